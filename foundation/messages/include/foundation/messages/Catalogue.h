@@ -1,0 +1,11 @@
+#pragma once
+
+#include "foundation/messages/MessageIdentifier.h"
+
+namespace Tolvex {
+
+/// The English text of a message as UTF-8, its arguments put in their places. A message that the catalogue does not
+/// know is told by its full name and its arguments, so that nothing is lost. Safe from any thread.
+[[nodiscard]] KX_EXPORT std::string GetMessageText(const MessageIdentifier& message);
+
+} // namespace Tolvex

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "foundation/storage/Clock.h"
+
+#include <cstdint>
+
+namespace Tolvex {
+
+/// What a folder looked like at one moment, to be compared with a later look. Stamps are the status-change time, which
+/// no program sets back, and are compared for equality only.
+struct ChangeMark {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    FileTime changed{};
+    /// False when the stamp was so young when the mark was taken that a later change may carry the same one. Such a
+    /// mark proves nothing: the folder counts as changed until it was looked at again. (Version-control indexes call
+    /// such entries "racily clean".)
+    bool settled = false;
+    /// False when there was no readable folder.
+    bool present = false;
+
+    /// True when `later`, a mark taken of the same folder afterwards, proves that nothing changed in between.
+    [[nodiscard]] bool ProvesUnchanged(const ChangeMark& later) const noexcept {
+        if (!present || !later.present)
+            return present == later.present;
+        return settled && device == later.device && inode == later.inode && changed == later.changed;
+    }
+};
+
+} // namespace Tolvex

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "path_interfaces/IPathEntry.h"
+
+#include <utility>
+
+namespace PathManagement {
+
+/// Published at once, on whatever thread drops the last handle, while the entry is still whole. Handlers must not make
+/// a handle of the entry.
+class PathEntryWillBeDestroyedEvent {
+public:
+    PathEntryWillBeDestroyedEvent(const IPathEntry& entry, Tolvex::CanonicalAbsoluteIRI location) noexcept
+        : entry(&entry), location(std::move(location)) {}
+
+    [[nodiscard]] const IPathEntry& GetEntry() const noexcept { return *entry; }
+    [[nodiscard]] const Tolvex::CanonicalAbsoluteIRI& GetCanonicalIRI() const noexcept { return location; }
+
+private:
+    const IPathEntry* entry;
+    Tolvex::CanonicalAbsoluteIRI location;
+};
+
+} // namespace PathManagement

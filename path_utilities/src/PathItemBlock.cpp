@@ -1,0 +1,209 @@
+#include "path_utilities/PathItemBlock.h"
+
+#include "foundation/text/NameHash.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+#include <type_traits>
+#include <vector>
+
+namespace PathManagement {
+
+namespace {
+
+constexpr std::size_t maximumNameLength = 0xFFFF;
+
+/// The first four code units as one number that compares like them; most names are told apart by it.
+std::uint64_t PrefixOf(ustring_view text) noexcept {
+    std::uint64_t prefix = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        prefix = prefix << 16 | (i < text.size() ? text[i] : 0u);
+    return prefix;
+}
+
+struct Draft {
+    std::uint64_t prefix;
+    ustring_view name;
+    ustring_view normalized;
+    std::size_t stemLength;
+    std::uint32_t extensionIndex;
+
+    [[nodiscard]] ustring_view Stem() const noexcept { return name.substr(0, stemLength); }
+    [[nodiscard]] ustring_view Extension() const noexcept { return name.substr(stemLength); }
+    [[nodiscard]] bool IsItsOwnNormalForm() const noexcept { return normalized == Stem(); }
+};
+
+bool IsBefore(const Draft& a, const Draft& b) noexcept {
+    if (a.prefix != b.prefix)
+        return a.prefix < b.prefix;
+    if (const int order = a.normalized.compare(b.normalized))
+        return order < 0;
+    if (const int order = a.Stem().compare(b.Stem()))
+        return order < 0;
+    return a.Extension() < b.Extension();
+}
+
+/// An extension that files of the folder carry.
+struct Extension {
+    ustring_view text;
+    Tolvex::ItemKind kind;
+    std::size_t offset = 0; // in the text area, in code units
+};
+
+/// The distinct extensions of a folder, most recently met first in the search. Past a limit nothing is shared any more:
+/// a folder of ten thousand numbered extensions must not be compared each with each.
+class Extensions {
+public:
+    std::uint32_t Add(ustring_view text) {
+        for (std::size_t i = 0, end = std::min(list.size(), shared); i < end; ++i)
+            if (list[i].text == text)
+                return static_cast<std::uint32_t>(i);
+        list.push_back({text, Tolvex::GetItemKindForExtension(text)});
+        return static_cast<std::uint32_t>(list.size() - 1);
+    }
+    std::vector<Extension> list;
+
+private:
+    static constexpr std::size_t shared = 32;
+};
+
+} // namespace
+
+struct PathItemBlock::Release {
+    void operator()(const PathItemBlock* block) const noexcept {
+        block->~PathItemBlock();
+        ::operator delete(const_cast<PathItemBlock*>(block));
+    }
+};
+
+class PathItemBlock::Builder {
+public:
+    explicit Builder(std::span<const ustring_view> fileNames) {
+        TakeApart(fileNames);
+        std::sort(drafts.begin(), drafts.end(), IsBefore);
+        textLength = MeasureTexts();
+    }
+
+    std::shared_ptr<const PathItemBlock> Build(const Tolvex::CanonicalAbsoluteIRI& folder) const {
+        static_assert(std::is_trivially_destructible_v<PathItem> && alignof(PathItem) <= alignof(PathItemBlock));
+        const std::size_t itemsEnd = sizeof(PathItemBlock) + drafts.size() * sizeof(PathItem);
+        const std::size_t size = itemsEnd + textLength * sizeof(char16_t);
+        if (size > UINT32_MAX)
+            throw std::length_error("PathItemBlock: a folder whose names need more than 4 GB");
+        void* memory = ::operator new(size);
+        std::shared_ptr<const PathItemBlock> block(new (memory) PathItemBlock(folder, drafts.size()), Release());
+        Fill(static_cast<char*>(memory), itemsEnd);
+        return block;
+    }
+
+private:
+    void TakeApart(std::span<const ustring_view> fileNames) {
+        std::size_t total = 0;
+        for (const ustring_view name : fileNames)
+            total += name.size();
+        folded.resize(total);
+        drafts.reserve(fileNames.size());
+        char16_t* out = folded.data();
+        for (const ustring_view name : fileNames) {
+            if (name.size() > maximumNameLength)
+                throw std::length_error("PathItemBlock: a file name of more than 65,535 code units");
+            const FileNameParts parts = SplitFileName(name);
+            Tolvex::FoldCaseTo(parts.stem, out);
+            const ustring_view normalized(out, parts.stem.size());
+            drafts.push_back(
+                {PrefixOf(normalized), name, normalized, parts.stem.size(), extensions.Add(parts.extension)});
+            out += parts.stem.size();
+        }
+    }
+
+    /// Lays the texts out: extensions first, then each stem that is not the stem before it, followed by its normal form
+    /// where that differs.
+    std::size_t MeasureTexts() {
+        std::size_t length = 0;
+        for (Extension& extension : extensions.list) {
+            extension.offset = length;
+            length += extension.text.size();
+        }
+        for (std::size_t i = 0; i < drafts.size(); ++i)
+            if (!SharesStemWithPrevious(i))
+                length += drafts[i].stemLength * (drafts[i].IsItsOwnNormalForm() ? 1 : 2);
+        return length;
+    }
+
+    [[nodiscard]] bool SharesStemWithPrevious(std::size_t i) const noexcept {
+        return i > 0 && drafts[i].Stem() == drafts[i - 1].Stem();
+    }
+
+    void Fill(char* memory, std::size_t itemsEnd) const {
+        const auto texts = reinterpret_cast<char16_t*>(memory + itemsEnd);
+        char16_t* end = texts;
+        for (const Extension& extension : extensions.list)
+            end = std::copy(extension.text.begin(), extension.text.end(), end);
+        const char16_t* stem = end;
+        std::uint32_t hash = 0;
+        for (std::size_t i = 0; i < drafts.size(); ++i) {
+            const Draft& draft = drafts[i];
+            if (!SharesStemWithPrevious(i)) {
+                stem = end;
+                end = std::copy_n(draft.name.data(), draft.stemLength, end);
+                if (!draft.IsItsOwnNormalForm())
+                    end = std::copy(draft.normalized.begin(), draft.normalized.end(), end);
+                if (i == 0 || draft.normalized != drafts[i - 1].normalized)
+                    hash = Tolvex::HashName(draft.normalized);
+            }
+            FillItem(memory + sizeof(PathItemBlock) + i * sizeof(PathItem), draft, stem, texts, memory, hash);
+        }
+    }
+
+    void FillItem(char* place, const Draft& draft, const char16_t* stem, const char16_t* texts, const char* memory,
+                  std::uint32_t hash) const {
+        const auto distance = [place](const void* to) {
+            return static_cast<std::uint32_t>(static_cast<const char*>(to) - place);
+        };
+        const Extension& extension = extensions.list[draft.extensionIndex];
+        PathItem* item = new (place) PathItem();
+        item->stem = distance(stem);
+        item->extension = distance(texts + extension.offset);
+        item->folder = static_cast<std::uint32_t>(place - (memory + offsetof(PathItemBlock, folder)));
+        item->nameHash = hash;
+        item->stemLength = static_cast<std::uint16_t>(draft.stemLength);
+        item->extensionLength = static_cast<std::uint16_t>(extension.text.size());
+        item->kind = static_cast<std::uint8_t>(extension.kind);
+        item->normalizedFollows = !draft.IsItsOwnNormalForm();
+    }
+
+    std::vector<Draft> drafts;
+    Extensions extensions;
+    ustring folded;
+    std::size_t textLength = 0;
+};
+
+std::shared_ptr<const PathItemBlock> PathItemBlock::Create(const Tolvex::CanonicalAbsoluteIRI& folder,
+                                                           std::span<const ustring_view> fileNames) {
+    return Builder(fileNames).Build(folder);
+}
+
+std::span<const PathItem> PathItemBlock::FindByNormalizedStem(ustring_view normalizedName) const noexcept {
+    struct ByStem {
+        bool operator()(const PathItem& item, ustring_view name) const noexcept {
+            return item.GetNormalizedStem() < name;
+        }
+        bool operator()(ustring_view name, const PathItem& item) const noexcept {
+            return name < item.GetNormalizedStem();
+        }
+    };
+    const std::span<const PathItem> items = GetItems();
+    const auto [first, last] = std::equal_range(items.begin(), items.end(), normalizedName, ByStem());
+    return {first, last};
+}
+
+FileNameParts SplitFileName(ustring_view fileName) noexcept {
+    const std::size_t dot = fileName.rfind(u'.');
+    if (dot == ustring_view::npos || dot == 0)
+        return {fileName, {}};
+    return {fileName.substr(0, dot), fileName.substr(dot)};
+}
+
+} // namespace PathManagement

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "path_model/PathLayer.h"
+#include "path_model/PublishOnce.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace PathManagement {
+
+/// The ordered main entries of one path, and where everything on it is found. Immutable, safe from any thread.
+///
+/// What it looks up lies in layers: the lowest holds the bulk of the entries, those above it what came later. An index
+/// that is derived from another shares its layers; entries that left the path stay in the layers and are passed over,
+/// since the index knows for each group of each layer where on the path it stands, if at all. Layers that have grown
+/// are made again together, so that there are few of them (the logarithmic method of Bentley and Saxe, "Decomposable
+/// searching problems", 1980).
+class LayeredIndex {
+public:
+    using Slot = PathLayer::Slot;
+
+    /// An entry of the path: where it stands, to be compared, and where it is kept.
+    struct Place {
+        std::uint64_t order; ///< the main entry's place in the upper half, the place below it in the lower
+        std::uint32_t layer;
+        const Slot* slot;
+
+        [[nodiscard]] bool operator<(const Place& other) const noexcept { return order < other.order; }
+        [[nodiscard]] std::uint32_t GetMainPlace() const noexcept { return static_cast<std::uint32_t>(order >> 32); }
+    };
+
+    /// Walks and indexes all entries, in parallel.
+    explicit LayeredIndex(std::shared_ptr<const PathEntryVector> mainEntries);
+
+    /// Walks and indexes only the main entries that `previous` does not hold. An object that stands on the path twice
+    /// counts twice.
+    LayeredIndex(std::shared_ptr<const PathEntryVector> mainEntries, const LayeredIndex& previous);
+
+    LayeredIndex(const LayeredIndex&) = delete;
+    LayeredIndex& operator=(const LayeredIndex&) = delete;
+
+    [[nodiscard]] const std::shared_ptr<const PathEntryVector>& GetMainEntries() const noexcept { return mainEntries; }
+
+    /// Every entry in path order; made when the index was, or, for a derived one, when first asked for.
+    [[nodiscard]] const PathEntryVector& GetAllEntries() const;
+
+    /// How many names were indexed to make this; what a derived index costs.
+    [[nodiscard]] std::size_t GetIndexedNameCount() const noexcept { return indexedNames; }
+    [[nodiscard]] std::size_t GetLayerCount() const noexcept { return layers.size(); }
+
+    /// Calls `visit(place, item)` for the entries that may hold files of a name, where `item` is the first of them.
+    /// `visit` returns the order behind which no further place matters; most places behind it are passed over.
+    template <class Visit>
+    void ForEachNamed(std::uint32_t hash, const Visit& visit) const {
+        std::uint64_t limit = UINT64_MAX;
+        for (std::uint32_t layer = 0; layer < layers.size(); ++layer) {
+            const LayerUse& use = layers[layer];
+            for (const NameRecord& record : use.layer->FindName(hash)) {
+                const Slot& slot = use.layer->GetSlot(record.slot);
+                const std::uint32_t mainPlace = use.mainPlaces[slot.group];
+                if (mainPlace == offPath)
+                    continue;
+                const Place place = MakePlace(mainPlace, layer, slot);
+                if (place.order < limit)
+                    limit = visit(place, record.item);
+                else if (use.isInPathOrder)
+                    break;
+            }
+        }
+    }
+
+    /// The first entry in path order at a location.
+    [[nodiscard]] std::optional<Place> FindLocation(const Tolvex::AbsoluteIRI& location) const;
+
+    /// The entries whose folder's normalised name is `foldedName`, in path order.
+    [[nodiscard]] std::vector<Place> FindFolderName(const ustring& foldedName) const;
+
+    /// All entries of one type, in path order.
+    [[nodiscard]] std::vector<Place> FindType(PathEntryType type) const;
+
+    /// A handle that keeps the entry alive.
+    [[nodiscard]] std::shared_ptr<const IPathEntry> GetHandle(const Place& place) const;
+
+    /// The entry above; the main entry is its own.
+    [[nodiscard]] Place GetParent(const Place& place) const noexcept;
+
+private:
+    static constexpr std::uint32_t offPath = UINT32_MAX;
+
+    /// A layer, and where its groups stand on this path.
+    struct LayerUse {
+        std::shared_ptr<const PathLayer> layer;
+        std::vector<std::uint32_t> mainPlaces; // by group; `offPath` for one that is not on this path
+        bool isInPathOrder = true;             // places grow with group numbers
+    };
+
+    /// Where the group of a main entry is kept.
+    struct GroupUse {
+        std::uint32_t layer = 0;
+        std::uint32_t group = 0;
+        std::shared_ptr<const PathEntryVector> handles; // only of a group that its main entry does not keep alive
+    };
+
+    [[nodiscard]] static Place MakePlace(std::uint32_t mainPlace, std::uint32_t layer, const Slot& slot) noexcept {
+        return {std::uint64_t{mainPlace} << 32 | slot.ordinal, layer, &slot};
+    }
+
+    [[nodiscard]] std::size_t CountKeptLayers(std::size_t addedNames) const;
+    [[nodiscard]] std::vector<EntryGroup> AddLayer(std::span<const std::uint32_t> mainPlaces);
+    void PlaceGroups();
+    [[nodiscard]] PathEntryVector CollectAllEntries() const;
+    template <class Find>
+    [[nodiscard]] std::vector<Place> Collect(const Find& find) const;
+
+    std::shared_ptr<const PathEntryVector> mainEntries;
+    std::vector<LayerUse> layers;
+    std::vector<GroupUse> groupUses; // by place of the main entry
+    PublishOnce<PathEntryVector> allEntries;
+    std::size_t indexedNames = 0;
+};
+
+} // namespace PathManagement

@@ -1,0 +1,156 @@
+#include "path_model/NameIndex.h"
+
+#include <tbb/parallel_for.h>
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace PathManagement {
+
+namespace {
+
+/// Parts of about this many records fit a core's second-level cache together with their table.
+constexpr std::size_t recordsAPart = 8192;
+
+/// Slots are counted and sorted in chunks of about this many items, a chunk a task.
+constexpr std::size_t itemsAChunk = 32768;
+
+constexpr unsigned maximumPartBits = 10;
+
+/// Calls `visit` with the hash and the index of the first item of each run of equal normalised stems.
+template <class Visit>
+void ForEachName(std::span<const PathItem> items, const Visit& visit) {
+    for (std::size_t i = 0; i < items.size(); ++i)
+        if (i == 0 || items[i].GetNameHash() != items[i - 1].GetNameHash() ||
+            items[i].GetNormalizedStem() != items[i - 1].GetNormalizedStem())
+            visit(items[i].GetNameHash(), static_cast<std::uint32_t>(i));
+}
+
+} // namespace
+
+/// Sorts the records of all slots by part, keeping slot order inside a part: chunks of slots are counted side by side,
+/// the counts give each chunk its places in every part, and the chunks are written side by side.
+class NameIndex::Sorter {
+public:
+    Sorter(std::span<const std::span<const PathItem>> itemsBySlot, unsigned bits)
+        : itemsBySlot(itemsBySlot), bits(bits), partCount(std::size_t{1} << bits) {
+        CutIntoChunks();
+        tbb::parallel_for(std::size_t{0}, ChunkCount(), [this](std::size_t chunk) { Count(chunk); });
+        AssignPlaces();
+        sorted.resize(partBegin.back());
+        tbb::parallel_for(std::size_t{0}, ChunkCount(), [this](std::size_t chunk) { Write(chunk); });
+    }
+
+    [[nodiscard]] std::span<const Entry> GetPart(std::size_t part) const {
+        return std::span(sorted).subspan(partBegin[part], partBegin[part + 1] - partBegin[part]);
+    }
+    [[nodiscard]] std::size_t GetCount() const { return sorted.size(); }
+
+private:
+    [[nodiscard]] std::size_t ChunkCount() const { return chunkBegin.size() - 1; }
+    [[nodiscard]] std::size_t PartOf(std::uint32_t hash) const {
+        return static_cast<std::size_t>(std::uint64_t{hash} << bits >> 32);
+    }
+    std::uint32_t& Cursor(std::size_t chunk, std::size_t part) { return cursors[chunk * partCount + part]; }
+
+    void CutIntoChunks() {
+        std::size_t items = 0;
+        chunkBegin.push_back(0);
+        for (std::size_t slot = 0; slot < itemsBySlot.size(); ++slot) {
+            items += itemsBySlot[slot].size();
+            if (items < itemsAChunk)
+                continue;
+            chunkBegin.push_back(slot + 1);
+            items = 0;
+        }
+        if (chunkBegin.back() != itemsBySlot.size() || chunkBegin.size() == 1)
+            chunkBegin.push_back(itemsBySlot.size());
+        cursors.assign(ChunkCount() * partCount, 0);
+    }
+
+    void Count(std::size_t chunk) {
+        for (std::size_t slot = chunkBegin[chunk]; slot < chunkBegin[chunk + 1]; ++slot)
+            ForEachName(itemsBySlot[slot], [&](std::uint32_t hash, std::uint32_t) { ++Cursor(chunk, PartOf(hash)); });
+    }
+
+    void AssignPlaces() {
+        std::uint32_t place = 0;
+        partBegin.reserve(partCount + 1);
+        for (std::size_t part = 0; part < partCount; ++part) {
+            partBegin.push_back(place);
+            for (std::size_t chunk = 0; chunk < ChunkCount(); ++chunk)
+                place += std::exchange(Cursor(chunk, part), place);
+        }
+        partBegin.push_back(place);
+    }
+
+    void Write(std::size_t chunk) {
+        for (std::size_t slot = chunkBegin[chunk]; slot < chunkBegin[chunk + 1]; ++slot)
+            ForEachName(itemsBySlot[slot], [&](std::uint32_t hash, std::uint32_t item) {
+                sorted[Cursor(chunk, PartOf(hash))++] = {hash, {static_cast<std::uint32_t>(slot), item}};
+            });
+    }
+
+    std::span<const std::span<const PathItem>> itemsBySlot;
+    unsigned bits;
+    std::size_t partCount;
+    std::vector<std::size_t> chunkBegin;
+    std::vector<std::uint32_t> cursors; // counts, then places to write to, by chunk and part
+    std::vector<std::uint32_t> partBegin;
+    std::vector<Entry> sorted;
+};
+
+NameIndex::NameIndex(std::span<const std::span<const PathItem>> itemsBySlot) {
+    std::size_t items = 0;
+    for (const auto& ofSlot : itemsBySlot)
+        items += ofSlot.size();
+    partBits = std::min(static_cast<unsigned>(std::bit_width(items / recordsAPart)), maximumPartBits);
+    const Sorter sorter(itemsBySlot, partBits);
+    count = sorter.GetCount();
+    parts.resize(std::size_t{1} << partBits);
+    tbb::parallel_for(std::size_t{0}, parts.size(),
+                      [&](std::size_t part) { parts[part].Build(sorter.GetPart(part), partBits); });
+}
+
+/// The bucket of the entry's hash, or the empty one where it belongs.
+NameIndex::Entry& NameIndex::Part::BucketFor(const Entry& entry, unsigned partBits) noexcept {
+    std::size_t i = Home(entry.hash << partBits);
+    while (buckets[i].record.slot != emptyMark && buckets[i].hash != entry.hash)
+        i = i + 1 == buckets.size() ? 0 : i + 1;
+    return buckets[i];
+}
+
+void NameIndex::Part::Build(std::span<const Entry> entries, unsigned partBits) {
+    buckets.assign(entries.size() + entries.size() / 2 + 2, Entry{0, {emptyMark, 0}});
+    std::uint32_t inRuns = 0;
+    for (const Entry& entry : entries) {
+        Entry& bucket = BucketFor(entry, partBits);
+        NameRecord& record = bucket.record;
+        if (record.slot == emptyMark) {
+            bucket = entry;
+        } else if ((record.slot & runMark) == 0) {
+            record = {runMark, 2}; // how many there are; where they begin follows
+            inRuns += 2;
+        } else {
+            ++record.item;
+            ++inRuns;
+        }
+    }
+    if (inRuns == 0)
+        return;
+    std::uint32_t begin = 0;
+    for (Entry& bucket : buckets)
+        if (bucket.record.slot != emptyMark && (bucket.record.slot & runMark) != 0) {
+            bucket.record.slot |= begin;
+            begin += std::exchange(bucket.record.item, 0);
+        }
+    runs.resize(inRuns);
+    for (const Entry& entry : entries) {
+        NameRecord& record = BucketFor(entry, partBits).record;
+        if ((record.slot & runMark) != 0)
+            runs[(record.slot & ~runMark) + record.item++] = entry.record;
+    }
+}
+
+} // namespace PathManagement

@@ -1,0 +1,220 @@
+#include "path_model/Path.h"
+
+#include "foundation/text/CaseFolding.h"
+#include "path_model/ItemSearch.h"
+#include "path_model/PathEntry.h"
+#include "path_utilities/PartialPathname.h"
+
+namespace PathManagement {
+
+using Tolvex::AbsoluteIRI;
+using Tolvex::CanonicalAbsoluteIRI;
+
+namespace {
+
+/// A name with a separator behind its first character, taken apart.
+struct PartialPathname {
+    PathnameComponents folders;
+    ustring_view stem;
+};
+
+/// No value for a plain name.
+std::optional<PartialPathname> SplitPathname(ustring_view name) {
+    const std::size_t last = name.find_last_of(Constants::PathnameSeparatorStr);
+    if (last == ustring_view::npos || name.find_first_of(Constants::PathnameSeparatorStr) == 0)
+        return std::nullopt;
+    return PartialPathname{SplitPartialPathname(name.substr(0, last)), name.substr(last + 1)};
+}
+
+bool IsMethodFolderOfEitherKind(PathEntryType type) {
+    return type == PathEntryType::methodFolder || type == PathEntryType::uddClassFolder;
+}
+
+} // namespace
+
+Path::Path(std::unique_ptr<const LayeredIndex> index, std::shared_ptr<AsynchronousWorkerQueue> queue)
+    : index(std::move(index)), queue(std::move(queue)) {}
+
+Path::~Path() {
+    try {
+        DestroyAsynchronously(std::move(index), *queue);
+    } catch (...) {
+        // No memory to queue it: it was destroyed here instead.
+    }
+}
+
+std::shared_ptr<const PathEntryVector> Path::GetMainEntries() const {
+    return index->GetMainEntries();
+}
+
+PathEntryVector Path::GetMethodEntries() const {
+    return GetHandles(index->FindType(PathEntryType::methodFolder));
+}
+
+PathEntryVector Path::GetMethodEntriesByName(SearchScope scope, const ustring& className) const {
+    const ustring folderName = u"@" + className;
+    std::vector<Place> places = index->FindFolderName(Tolvex::FoldCase(folderName));
+    std::erase_if(places, [&](const Place& place) {
+        const PathEntryType type = place.slot->type;
+        return !IsMethodFolderOfEitherKind(type) || !scope.Contains(type) ||
+               place.slot->entry->GetIRI().getBaseName() != folderName;
+    });
+    return GetHandles(places);
+}
+
+PathEntryVector Path::GetPartiallyMatchingEntries(SearchScope scope, const ustring& partialPath) const {
+    return GetHandles(FindFolders(scope, SplitPartialPathname(partialPath)));
+}
+
+std::shared_ptr<const IPathEntry> Path::GetMainEntryForEntry(const IPathEntry& entry) const {
+    const auto place = index->FindLocation(entry.GetIRI());
+    return place ? (*index->GetMainEntries())[place->GetMainPlace()] : nullptr;
+}
+
+std::shared_ptr<const IPathEntry> Path::GetParentEntryForEntry(const IPathEntry& entry) const {
+    const auto place = index->FindLocation(entry.GetIRI());
+    if (!place)
+        return nullptr;
+    const Place parent = index->GetParent(*place);
+    return parent.slot->entry == &entry ? nullptr : index->GetHandle(parent);
+}
+
+std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const CanonicalAbsoluteIRI& location) const {
+    const auto place = index->FindLocation(location);
+    return place ? index->GetHandle(*place) : nullptr;
+}
+
+std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const AbsoluteIRI& location,
+                                                                    FilenameMatchingPolicy policy) const {
+    const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(policy);
+    for (const Place& place : index->FindFolderName(Tolvex::FoldCase(location.getBaseName()))) {
+        const CanonicalAbsoluteIRI candidate = place.slot->entry->GetIRI();
+        if (candidate.getScheme() == location.getScheme() &&
+            place.slot->comparator(candidate.getPath(), location.getPath(), modifier))
+            return index->GetHandle(place);
+    }
+    return nullptr;
+}
+
+std::optional<FoundItem> Path::FindFirstInScope(SearchScope scope, const SearchTarget& target,
+                                                FilenameMatchingPolicy policy) const {
+    const auto pathname = SplitPathname(target.GetName());
+    if (!pathname)
+        return FindFirstByName(scope, target, policy);
+    const SearchTarget inFolder = target.WithName(pathname->stem);
+    for (const Place& place : FindFolders(scope, pathname->folders))
+        if (auto item = place.slot->entry->FindFirst(inFolder, policy))
+            return FoundItem(index->GetHandle(place), std::move(item));
+    return std::nullopt;
+}
+
+std::vector<FoundItem> Path::FindAllInScope(SearchScope scope, const SearchTarget& target,
+                                            FilenameMatchingPolicy policy) const {
+    const auto pathname = SplitPathname(target.GetName());
+    if (!pathname)
+        return FindAllByName(scope, target, policy);
+    return FindAllInPlaces(FindFolders(scope, pathname->folders), target.WithName(pathname->stem), policy);
+}
+
+std::optional<FoundItem> Path::FindFirstByName(SearchScope scope, const SearchTarget& target,
+                                               FilenameMatchingPolicy policy) const {
+    const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(policy);
+    std::optional<Place> winner;
+    const PathItem* winnersItem = nullptr;              // one of the winner's own block,
+    std::shared_ptr<const PathItem> winnersForeignItem; // or what a foreign winner answered
+    std::uint64_t limit = UINT64_MAX;
+    index->ForEachNamed(target.GetNameHash(), [&](const Place& place, std::uint32_t firstItem) {
+        const LayeredIndex::Slot& slot = *place.slot;
+        if (!scope.Contains(slot.type))
+            return limit;
+        const PathItem* item = nullptr;
+        std::shared_ptr<const PathItem> foreignItem;
+        if (slot.items != nullptr)
+            item = FindFirstItem(TakeItemsOfTarget(slot.GetItems().subspan(firstItem), target),
+                                 {target, slot.comparator, modifier});
+        else
+            item = (foreignItem = slot.entry->FindFirst(target, policy)).get();
+        if (item == nullptr)
+            return limit;
+        winner = place;
+        winnersItem = item;
+        winnersForeignItem = std::move(foreignItem);
+        return limit = place.order;
+    });
+    if (!winner)
+        return std::nullopt;
+    auto handle = index->GetHandle(*winner);
+    return winnersForeignItem ? FoundItem(std::move(handle), std::move(winnersForeignItem))
+                              : FoundItem(std::move(handle), *winnersItem);
+}
+
+std::vector<FoundItem> Path::FindAllByName(SearchScope scope, const SearchTarget& target,
+                                           FilenameMatchingPolicy policy) const {
+    std::vector<Place> places;
+    index->ForEachNamed(target.GetNameHash(), [&](const Place& place, std::uint32_t) {
+        if (scope.Contains(place.slot->type))
+            places.push_back(place);
+        return UINT64_MAX;
+    });
+    std::sort(places.begin(), places.end());
+    return FindAllInPlaces(places, target, policy);
+}
+
+std::vector<FoundItem> Path::FindAllInPlaces(const std::vector<Place>& places, const SearchTarget& target,
+                                             FilenameMatchingPolicy policy) const {
+    std::vector<FoundItem> found;
+    for (const Place& place : places) {
+        PathItemVector items = place.slot->entry->FindAll(target, policy);
+        if (items.empty())
+            continue;
+        const auto handle = index->GetHandle(place);
+        for (auto& item : items)
+            found.emplace_back(handle, std::move(item));
+    }
+    return found;
+}
+
+bool Path::ForEachEntry(SearchScope scope, const PathEntryCallback& callback) const {
+    for (const auto& entry : index->GetAllEntries())
+        if (scope.Contains(entry->GetPathEntryType()) && callback(entry))
+            return true;
+    return false;
+}
+
+bool Path::ConcurrentForEachEntry(SearchScope scope, const PathEntryCallback& callback) const {
+    return ForEachEntry(scope, callback);
+}
+
+bool Path::FirstEntryIsBeforeSecondOnPath(const IPathEntry& first, const IPathEntry& second) const {
+    const auto placeOfFirst = index->FindLocation(first.GetIRI());
+    const auto placeOfSecond = index->FindLocation(second.GetIRI());
+    if (!placeOfFirst || !placeOfSecond)
+        return placeOfFirst.has_value();
+    return *placeOfFirst < *placeOfSecond;
+}
+
+bool Path::IsEntryOnPath(const IPathEntry& entry) const {
+    return index->FindLocation(entry.GetIRI()).has_value();
+}
+
+PathEntryVector Path::GetHandles(const std::vector<Place>& places) const {
+    PathEntryVector handles;
+    handles.reserve(places.size());
+    for (const Place& place : places)
+        handles.push_back(index->GetHandle(place));
+    return handles;
+}
+
+/// The entries in scope whose last names are `partialPath`, in path order; none for an empty one.
+std::vector<Path::Place> Path::FindFolders(SearchScope scope, std::span<const ustring_view> partialPath) const {
+    if (partialPath.empty())
+        return {};
+    std::vector<Place> places = index->FindFolderName(Tolvex::FoldCase(partialPath.back()));
+    std::erase_if(places, [&](const Place& place) {
+        return !scope.Contains(place.slot->type) ||
+               !DoesPartialPathnameMatchPathEntryIRI(partialPath, place.slot->entry->GetIRI(), place.slot->comparator);
+    });
+    return places;
+}
+
+} // namespace PathManagement

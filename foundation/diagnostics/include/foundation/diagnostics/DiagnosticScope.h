@@ -23,7 +23,7 @@ public:
     DiagnosticScope(const DiagnosticScope&) = delete;
     DiagnosticScope& operator=(const DiagnosticScope&) = delete;
 
-    /// Switches tracing for the whole process.
+    /// Switches tracing, and with it the log channel, for the whole process.
     KX_EXPORT static void SetEnabled(bool on) noexcept;
 
 private:

@@ -17,10 +17,12 @@ public:
     /// The identifier under which objects of `type` are kept; equal for equal types.
     [[nodiscard]] static Identifier getNextID(std::type_index type);
 
-    /// The object under an identifier, or null.
+    /// The object under an identifier, or null. An object may still ask while it is destroyed at the end of the
+    /// process, and finds those that were put in before it.
     [[nodiscard]] static void* Get(Identifier identifier);
 
-    /// Keeps `object` under an identifier unless there is one already; returns the one that is kept.
+    /// Keeps `object`, which is not null, under an identifier unless there is one already; returns the one that is
+    /// kept.
     static void* Put(Identifier identifier, std::shared_ptr<void> object);
 };
 

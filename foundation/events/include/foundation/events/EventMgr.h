@@ -32,22 +32,27 @@ public:
     /// Publishes in this manager's own way: at once, or, on a local manager, when it is told to deliver.
     template <class Event>
     void Publish(Event event) {
-        DoPublish(typeid(Event), std::make_shared<const Event>(std::move(event)));
+        DoPublish(typeid(Event), &event, [](void* published) -> std::shared_ptr<const void> {
+            return std::make_shared<const Event>(std::move(*static_cast<Event*>(published)));
+        });
     }
 
-    /// Publishes at once on any manager, and copies nothing.
+    /// Publishes at once on any manager, and copies nothing. An event that nobody subscribed to costs next to nothing.
     template <class Event>
     void PublishNow(const Event& event) {
         DoPublishNow(typeid(Event), &event);
     }
 
 protected:
+    using Handler = std::function<void(const void*)>;
+    /// Moves an event to the heap, for those who keep it until later.
+    using Keep = std::shared_ptr<const void>(void* event);
+
     EventMgr() = default;
 
 private:
-    using Handler = std::function<void(const void*)>;
     virtual ScopedConnection DoSubscribe(std::type_index type, Handler handler) = 0;
-    virtual void DoPublish(std::type_index type, std::shared_ptr<const void> event) = 0;
+    virtual void DoPublish(std::type_index type, void* event, Keep* keep) = 0;
     virtual void DoPublishNow(std::type_index type, const void* event) = 0;
 };
 

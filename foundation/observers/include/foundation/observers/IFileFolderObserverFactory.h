@@ -61,7 +61,9 @@ public:
     virtual void setChangeHandleWarning(ChangeHandleWarning warning) noexcept = 0;
 };
 
-/// The one observer factory of a storage system; made on first use, lives as long as the storage system is referred to.
+/// The one observer factory of a storage system; made on first use. The reference is good as long as the caller, or
+/// somebody else, refers to the storage system, which the factory itself does not keep alive. Observers may outlive
+/// both; one that is looked after then finds a folder that was there to be gone, hence changed.
 [[nodiscard]] KX_EXPORT IFileFolderObserverFactory& GetFileFolderObserverFactory(const StorageSystemReference& storage);
 
 } // namespace Tolvex

@@ -22,7 +22,7 @@ public:
     AbsoluteIRI() noexcept;
 
     /// An IRI from a scheme and an absolute path text; repeated and trailing "/" are dropped.
-    /// Throws std::invalid_argument when `path` does not start with "/" or holds a zero.
+    /// Throws std::invalid_argument when `path` does not start with "/" or holds a zero, and when `scheme` is none.
     AbsoluteIRI(std::string_view scheme, ustring_view path);
 
     /// Reads what toString writes. No value when `text` is not an absolute IRI with an empty host.
@@ -40,7 +40,7 @@ public:
     [[nodiscard]] bool hasParent() const noexcept;
     /// REQUIRES: hasParent(). Drops the last name, as spelled.
     [[nodiscard]] AbsoluteIRI getParent() const;
-    /// REQUIRES: `name` is not empty and holds no "/".
+    /// REQUIRES: this is not empty; `name` is not empty and holds neither "/" nor a zero.
     [[nodiscard]] AbsoluteIRI getChild(ustring_view name) const;
 
     /// True when `other` lies below this folder, at any depth; false for the folder itself. Compares spellings.

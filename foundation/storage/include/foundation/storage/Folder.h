@@ -11,6 +11,9 @@ namespace Tolvex {
 
 /// An open folder of a storage system. For one thread at a time.
 ///
+/// A folder on a disk holds one file descriptor while it lives, and a process has few of them: whoever walks a tree
+/// lets go of a folder, or at least keeps no long chain of them, before going down.
+///
 /// The change mark is taken when the folder is opened, before it can be listed: a change between the two is seen by
 /// whoever compares the mark later.
 class KX_EXPORT Folder {

@@ -21,6 +21,8 @@ enum class StorageFailure {
 class KX_EXPORT StorageError : public MessageIdentifierException {
 public:
     StorageError(StorageFailure failure, AbsoluteIRI location, ustring systemText = {});
+    /// For a text that names no location at all (`invalidLocation`); the message carries the text.
+    explicit StorageError(ustring unusableText);
     ~StorageError() override;
     [[nodiscard]] StorageFailure GetFailure() const noexcept { return failure; }
     [[nodiscard]] const AbsoluteIRI& GetLocation() const noexcept { return location; }

@@ -31,7 +31,8 @@ using StorageSystemReference = std::shared_ptr<const StorageSystem>;
 /// The machine's disks, scheme "file". One for the process.
 [[nodiscard]] KX_EXPORT const StorageSystemReference& GetDiskStorageSystem();
 
-/// A storage system on the machine's disks that takes the time from `clock`, for tests of equal stamps.
+/// A storage system on the machine's disks that takes the time from `clock`, for tests of equal stamps. The
+/// clock outlives the storage system and the folders opened on it.
 [[nodiscard]] KX_EXPORT StorageSystemReference CreateDiskStorageSystem(const IClock& clock);
 
 } // namespace Tolvex

@@ -1,0 +1,9 @@
+#include "foundation/environment/StorageAccess.h"
+
+namespace TolvexStorageSystem {
+
+Tolvex::StorageSystemReference GetStorageSystemReference() {
+    return Tolvex::GetDiskStorageSystem();
+}
+
+} // namespace TolvexStorageSystem

@@ -1,0 +1,114 @@
+#include "foundation/text/ustring.h"
+
+#include <utf8proc.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace Tolvex {
+
+namespace {
+
+constexpr char16_t escapeBase = 0xDC00; // a bad byte b, always 0x80 or more, becomes escapeBase + b
+
+constexpr bool IsHighSurrogate(char16_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+constexpr bool IsLowSurrogate(char16_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+constexpr bool IsEscape(char16_t unit) {
+    return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF;
+}
+
+/// Widens the ASCII bytes at the start of `bytes`, eight at a time while they last; returns how many.
+std::size_t WidenAscii(std::string_view bytes, char16_t* out) {
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::size_t done = 0;
+    for (std::uint64_t block = 0; bytes.size() - done >= sizeof(block); done += sizeof(block)) {
+        std::memcpy(&block, bytes.data() + done, sizeof(block));
+        if ((block & highBits) != 0)
+            break;
+        for (std::size_t i = 0; i != sizeof(block); ++i)
+            out[done + i] = static_cast<unsigned char>(bytes[done + i]);
+    }
+    for (; done != bytes.size() && static_cast<unsigned char>(bytes[done]) < 0x80; ++done)
+        out[done] = static_cast<unsigned char>(bytes[done]);
+    return done;
+}
+
+char16_t* AppendCodePoint(char32_t codePoint, char16_t* out) {
+    if (codePoint < 0x10000) {
+        *out++ = static_cast<char16_t>(codePoint);
+        return out;
+    }
+    *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
+    *out++ = static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF));
+    return out;
+}
+
+void AppendUtf8(std::string& out, char32_t codePoint) {
+    std::array<utf8proc_uint8_t, 4> bytes{};
+    const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(codePoint), bytes.data());
+    for (utf8proc_ssize_t i = 0; i < length; ++i)
+        out += static_cast<char>(bytes[static_cast<std::size_t>(i)]);
+}
+
+} // namespace
+
+std::size_t ConvertFromUtf8(std::string_view bytes, char16_t* out) noexcept {
+    char16_t* const start = out;
+    while (true) {
+        const std::size_t ascii = WidenAscii(bytes, out);
+        out += ascii;
+        bytes.remove_prefix(ascii);
+        if (bytes.empty())
+            return static_cast<std::size_t>(out - start);
+
+        utf8proc_int32_t codePoint = 0;
+        const auto used = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(bytes.data()),
+                                           static_cast<utf8proc_ssize_t>(bytes.size()), &codePoint);
+        if (used <= 0) {
+            *out++ = static_cast<char16_t>(escapeBase + static_cast<unsigned char>(bytes.front()));
+            bytes.remove_prefix(1);
+            continue;
+        }
+        out = AppendCodePoint(static_cast<char32_t>(codePoint), out);
+        bytes.remove_prefix(static_cast<std::size_t>(used));
+    }
+}
+
+void AppendFromUtf8(ustring& out, std::string_view bytes) {
+    const std::size_t before = out.size();
+    out.resize(before + bytes.size());
+    out.resize(before + ConvertFromUtf8(bytes, out.data() + before));
+}
+
+ustring FromUtf8(std::string_view bytes) {
+    ustring text;
+    AppendFromUtf8(text, bytes);
+    return text;
+}
+
+std::string ToUtf8(ustring_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (std::size_t i = 0; i != text.size(); ++i) {
+        const char16_t unit = text[i];
+        if (unit < 0x80) {
+            bytes += static_cast<char>(unit);
+        } else if (IsHighSurrogate(unit) && i + 1 != text.size() && IsLowSurrogate(text[i + 1])) {
+            AppendUtf8(bytes, (char32_t{unit} << 10) + text[++i] - ((0xD800U << 10) + 0xDC00U - 0x10000U));
+        } else if (IsEscape(unit)) {
+            bytes += static_cast<char>(unit - escapeBase);
+        } else {
+            AppendUtf8(bytes, unit);
+        }
+    }
+    return bytes;
+}
+
+} // namespace Tolvex

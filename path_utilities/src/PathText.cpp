@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view diskScheme = "file";
 
 [[noreturn]] void RefuseText(ustring_view text) {
-    throw Tolvex::StorageError(Tolvex::StorageFailure::invalidLocation, AbsoluteIRI(), ustring(text));
+    throw Tolvex::StorageError(ustring(text));
 }
 
 bool HoldsZero(ustring_view text) {

@@ -32,7 +32,8 @@ public:
     /// The main entry under which the entry's folder lies on this path; null when it is not on the path.
     [[nodiscard]] virtual std::shared_ptr<const IPathEntry> GetMainEntryForEntry(const IPathEntry& entry) const = 0;
 
-    /// The entry above; null for a main entry of this path and for what is not on it.
+    /// The entry above the place where the entry's folder lies on this path; null for a main entry of this path and for
+    /// what is not on it. (Another object for the folder of a main entry gets that main entry.)
     [[nodiscard]] virtual std::shared_ptr<const IPathEntry> GetParentEntryForEntry(const IPathEntry& entry) const = 0;
 
     /// The entry at exactly this place, or null. When a folder occurs twice, the first in path order.

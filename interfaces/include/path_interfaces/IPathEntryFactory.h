@@ -18,7 +18,7 @@ struct PathEntryFactoryCounters {
     std::uint64_t foldersListed = 0;
     std::uint64_t entriesBuilt = 0;  ///< child entries included
     std::uint64_t entriesReused = 0; ///< requests answered with a live entry
-    std::uint64_t entriesAlive = 0;  ///< built and not yet destroyed
+    std::uint64_t entriesKept = 0;   ///< live entries that can be handed out again
 };
 
 /// The only maker of entries. Process-wide; safe from any thread. The order of the operations is the binary contract

@@ -29,6 +29,10 @@ EntryGroup FlattenEntry(const std::shared_ptr<const IPathEntry>& mainEntry) {
         group.ownsEntries = group.ownsEntries && typeid(*entry) == typeid(PathEntry);
         return false;
     });
+    if (group.entries.empty())
+        group.parents.push_back(0);
+    group.entries.resize(group.parents.size());
+    group.entries.front() = mainEntry; // whatever handle the walk gave, or whether it gave one at all
     group.ownsEntries = group.ownsEntries || group.entries.size() == 1;
     return group;
 }

@@ -1,0 +1,225 @@
+#include "PathWorld.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace PathManagement {
+namespace {
+
+using enum PathEntryType;
+
+std::string Descriptor(const IPathEntry& entry) {
+    const std::string text = Tolvex::ToUtf8(entry.GetDescriptor());
+    constexpr std::string_view scheme = "memory://";
+    return text.starts_with(scheme) ? text.substr(scheme.size()) : text;
+}
+
+/// "type descriptor [items]" of an entry and, in brackets, of its children.
+std::string Draw(const IPathEntry& entry) {
+    std::string text = std::to_string(static_cast<int>(entry.GetPathEntryType())) + " " + Descriptor(entry) + " [" +
+                       Names(*entry.GetPathItems()) + "]";
+    for (const auto& list : {entry.GetPackageEntries(), entry.GetMethodEntries(), entry.GetUDDClassEntries()})
+        for (const auto& child : *list)
+            text += " (" + Draw(*child) + ")";
+    for (const auto& child : {entry.GetPrivateEntry(), entry.GetResourcesEntry()})
+        if (child)
+            text += " (" + Draw(*child) + ")";
+    return text;
+}
+
+std::vector<std::string> Problems(const Tolvex::Notification& notification) {
+    std::vector<std::string> texts;
+    notification.ForEach([&](const auto& entry) {
+        texts.push_back(entry.message.key + " " + Tolvex::ToUtf8(entry.message.arguments.at(0)));
+        return false;
+    });
+    return texts;
+}
+
+TEST(PathEntryFactory, SortsChildFoldersByWhatTheirParentMayHold) {
+    struct {
+        std::string_view folder;
+        std::string_view drawing;
+    } const cases[] = {
+        {"/m", "0 /m [] (1 p [] (1 p.q [a.kx]) (2 p.c [f.kx]) (3 p/private [h.kx]))"
+               " (2 c [] (4 c.d [] (3 c.d/private [i.kx])) (3 c/private [j.kx]) (5 c/resources [k.xml]))"
+               " (3 /m/private [l.kx]) (5 /m/resources [m.xml])"},
+        {"/m/+p/+q", "1 p.q [a.kx]"},
+        {"/m/@c/@d", "4 c.d [] (3 c.d/private [i.kx])"},
+        {"/m/private", "3 /m/private [l.kx]"},
+        {"/m/+", "0 /m/+ [n.kx]"},
+        {"/m/plain", "0 /m/plain [o.kx]"},
+    };
+    PathWorld world({"/m/+p/+q/a.kx", "/m/+p/@c/f.kx", "/m/+p/private/h.kx", "/m/@c/@d/private/i.kx",
+                     "/m/@c/private/j.kx", "/m/@c/resources/k.xml", "/m/private/l.kx", "/m/resources/m.xml",
+                     "/m/+/n.kx", "/m/plain/o.kx",
+                     // what the parent's kind rules out: not listed, not searched
+                     "/m/@c/+p/1.kx", "/m/@c/@d/@e/2.kx", "/m/@c/@d/resources/3.kx", "/m/private/private/4.kx",
+                     "/m/private/+p/5.kx", "/m/resources/private/6.kx", "/m/Private/7.kx", "/m/@/8.kx"});
+    for (const auto& [folder, drawing] : cases)
+        EXPECT_EQ(Draw(*world.Entry(folder)), drawing);
+}
+
+TEST(PathEntryFactory, EndsChainsOfLinksThatLeadBackUp) {
+    PathWorld world({"/m/a.kx", "/m/+up -> /m", "/m/+side -> /n", "/n/b.kx", "/n/+self -> /n", "/n/+back -> /m",
+                     "/m/@gone -> /nowhere", "/m/+file -> /m/a.kx", "/m/x.kx -> /n/b.kx",
+                     "/m/+deep/+deeper -> /m/+deep"});
+    EXPECT_EQ(Draw(*world.Entry("/m")), "0 /m [+file a.kx x.kx] (1 deep []) (1 side [b.kx])");
+    // The same from either end, whatever was built before.
+    EXPECT_EQ(Draw(*world.Entry("/m/+side")), "1 side [b.kx] (1 side.back [+file a.kx x.kx] (1 side.back.deep []))");
+    EXPECT_EQ(Draw(*world.Entry("/m")), "0 /m [+file a.kx x.kx] (1 deep []) (1 side [b.kx])");
+}
+
+TEST(PathEntryFactory, LeavesOutWhatIsNestedBeyondReason) {
+    std::string path = "/m";
+    for (int i = 0; i < 300; ++i)
+        path += "/+p";
+    PathWorld world({path + "/deep.kx"});
+    std::size_t count = 0;
+    world.Entry("/m")->ForEachEntry(SearchScope::All(), [&](const auto&) { return ++count, false; });
+    EXPECT_EQ(count, 256u);
+}
+
+TEST(PathEntryFactory, ReportsRequestedFoldersThatCannotBeReadInTheirOrder) {
+    PathWorld world({"/a/a.kx", "/b/b.kx", "/c/c.kx", "/d/d.kx", "/link -> /a", "/e/+p/e.kx", "/e/+q/f.kx"});
+    world.storage->DenyAccess("/b");
+    world.storage->FailListing("/c");
+    world.storage->FailListing("/e/+p");
+    const std::vector<Tolvex::AbsoluteIRI> wanted{
+        PathWorld::At("/d"),      PathWorld::At("/missing"), PathWorld::At("/b"), PathWorld::At("/link"),
+        PathWorld::At("/a/a.kx"), PathWorld::At("/c"),       PathWorld::At("/a"), PathWorld::At("/e")};
+    Tolvex::Notification problems;
+    const PathEntryVector entries = world.factory.CreatePathEntries(wanted, world.monitor, problems);
+    EXPECT_EQ(Where(entries), "/d - - /a - - /a /e");
+    EXPECT_EQ(entries[3], entries[6]) << "one folder under two names is one entry";
+    EXPECT_EQ(Problems(problems),
+              (std::vector<std::string>{"nameNonexistentOrNotADirectory /missing", "directoryPermissionDenied /b",
+                                        "nameNonexistentOrNotADirectory /a/a.kx", "directoryAccessFailure /c"}));
+    EXPECT_EQ(Draw(*entries[7]), "0 /e [] (1 p []) (1 q [f.kx])") << "a failing child costs its own entry only";
+}
+
+TEST(PathEntryFactory, HandsOutLiveEntriesUntilTheirFolderChanges) {
+    PathWorld world({"/m/a.kx", "/m/+p/b.kx", "/m/+q/c.kx", "/n/d.kx"});
+    const auto first = world.Entry("/m");
+    EXPECT_EQ(world.TakeListings(), 3u);
+    EXPECT_EQ(world.Entry("/m"), first);
+    EXPECT_EQ(world.Entry("/m/+p"), first->GetPackageEntries()->front());
+    EXPECT_EQ(world.TakeListings(), 0u);
+
+    world.storage->Add("/m/+p/new.kx");
+    world.storage->GetClock().Advance(std::chrono::seconds(1));
+    EXPECT_TRUE(first->IsOutOfDate());
+    const auto second = first->GetUpdatedPathEntry(world.factory, world.monitor);
+    EXPECT_EQ(Draw(*second), "0 /m [a.kx] (1 p [b.kx new.kx]) (1 q [c.kx])");
+    EXPECT_EQ(second->GetPackageEntries()->at(1), first->GetPackageEntries()->at(1));
+    EXPECT_EQ(world.TakeListings(), 2u) << "the folder itself and the child that changed";
+    EXPECT_EQ(world.factory.GetLiveEntry(PathWorld::At("/m")), second);
+    EXPECT_EQ(world.factory.GetEntrySource(*second), PathEntrySource::disk);
+    EXPECT_EQ(world.factory.GetEntrySource(*first), PathEntrySource::unknown);
+}
+
+TEST(PathEntryFactory, TheEndOfAnOldEntryDoesNotEvictItsSuccessor) {
+    PathWorld world({"/m/a.kx"});
+    auto old = world.Entry("/m");
+    world.storage->Add("/m/b.kx");
+    world.storage->GetClock().Advance(std::chrono::seconds(1));
+    const auto successor = world.Entry("/m");
+    ASSERT_NE(old, successor);
+    old.reset();
+    EXPECT_EQ(world.Entry("/m"), successor);
+    EXPECT_EQ(world.factory.GetCounters().entriesKept, 1u);
+}
+
+TEST(PathEntryFactory, AChangeWithinOneTickIsNotTakenForNone) {
+    PathWorld world({"/m/a.kx"});
+    world.storage->Add("/m/b.kx");
+    const auto before = world.Entry("/m"); // listed within the tick of the change
+    world.storage->Add("/m/c.kx");         // same stamp
+    EXPECT_TRUE(before->IsOutOfDate());
+    EXPECT_EQ(Names(*world.Entry("/m")->GetPathItems()), "a.kx b.kx c.kx");
+}
+
+TEST(PathEntryFactory, AFolderThatVanishesBecomesEmptyAndComesBack) {
+    PathWorld world({"/m/a.kx", "/m/+p/b.kx", "/top/x.kx"});
+    auto entry = world.Entry("/m");
+    const auto refresh = [&] {
+        world.storage->GetClock().Advance(std::chrono::seconds(1));
+        EXPECT_TRUE(entry->IsOutOfDate());
+        entry = entry->GetUpdatedPathEntry(world.factory, world.monitor);
+        return Draw(*entry);
+    };
+    world.storage->Remove("/m");
+    EXPECT_EQ(refresh(), "0 /m []");
+    EXPECT_FALSE(entry->IsOutOfDate());
+    EXPECT_THROW(
+        static_cast<void>(world.factory.CreatePathEntry(Tolvex::AbsoluteIRI(PathWorld::At("/gone")), world.monitor)),
+        Tolvex::StorageError);
+    Tolvex::Notification problems;
+    const Tolvex::AbsoluteIRI wanted = PathWorld::At("/m");
+    EXPECT_EQ(Where(world.factory.CreatePathEntries({&wanted, 1}, world.monitor, problems)), "-")
+        << "an empty entry that is kept does not make a missing folder acceptable";
+    world.storage->Add("/m/c.kx");
+    EXPECT_EQ(refresh(), "0 /m [c.kx]");
+    world.storage->DenyAccess("/m");
+    world.storage->Add("/m/d.kx");
+    EXPECT_EQ(refresh(), "0 /m []");
+}
+
+TEST(PathEntryFactory, AChildThatVanishesBetweenListingAndOpeningIsLeftOut) {
+    PathWorld world({"/m/a.kx", "/m/+p/b.kx", "/m/+q/c.kx"});
+    world.storage->VanishWhenOpened("/m/+p");
+    EXPECT_EQ(Draw(*world.Entry("/m")), "0 /m [a.kx] (1 q [c.kx])");
+}
+
+TEST(PathEntryFactory, OneSlowFolderHoldsUpNobodyElse) {
+    PathWorld world({"/slow/a.kx", "/fast/b.kx"});
+    world.storage->HoldListing("/slow");
+    std::thread slow([&] { EXPECT_EQ(Draw(*world.Entry("/slow")), "0 /slow [a.kx]"); });
+    EXPECT_EQ(Draw(*world.Entry("/fast")), "0 /fast [b.kx]"); // would never return if a lock were held
+    EXPECT_EQ(world.factory.GetLiveEntry(PathWorld::At("/slow")), nullptr);
+    world.storage->ReleaseListings();
+    slow.join();
+}
+
+TEST(PathEntryFactory, TheScheduleLeavesNoTraceInTheResult) {
+    std::vector<std::string> paths;
+    std::vector<Tolvex::AbsoluteIRI> wanted;
+    for (int i = 0; i < 200; ++i) {
+        const std::string folder = "/m" + std::to_string(i % 150);
+        paths.push_back(folder + "/f" + std::to_string(i) + ".kx");
+        if (i < 150)
+            paths.insert(paths.end(), {folder + "/+p/g.kx", folder + "/@c/h.kx"});
+        wanted.push_back(PathWorld::At(folder));
+    }
+    const auto run = [&] {
+        PathWorld world(paths);
+        Tolvex::Notification problems;
+        const auto entries = world.factory.CreatePathEntries(wanted, world.monitor, problems);
+        std::string text;
+        for (const auto& entry : entries)
+            text += Draw(*entry) + "\n";
+        for (std::size_t i = 150; i < 200; ++i)
+            EXPECT_EQ(entries[i], entries[i - 150]);
+        EXPECT_EQ(world.factory.GetCounters().entriesKept, 450u);
+        return text;
+    };
+    const std::string once = run();
+    for (int round = 0; round < 10; ++round)
+        EXPECT_EQ(run(), once);
+}
+
+using PathEntryFactoryDeathTest = testing::Test;
+
+TEST(PathEntryFactoryDeathTest, UnexpectedTypesEndTheProcess) {
+    EXPECT_DEATH(
+        static_cast<void>(PathEntryFactory::GetValidChildEntryTypesForEntryType(static_cast<PathEntryType>(6))),
+        "Received unexpected PathEntry Type.*PathEntryFactory");
+    PathWorld world({"/m/a.kx"});
+    PathEntryChildren children;
+    EXPECT_DEATH(PathEntryFactory::PushChildEntryToCurrentPathEntry(children, world.Entry("/m")),
+                 "Unexpected PathEntry Type\\..*PathEntryFactory");
+}
+
+} // namespace
+} // namespace PathManagement

@@ -35,7 +35,8 @@ ScopedConnection EventBus::Subscribe(const std::shared_ptr<EventBus>& bus, std::
 }
 
 void EventBus::Publish(std::type_index type, const void* event) {
-    if ((subscribedBits.load(std::memory_order_acquire) & GetBit(type)) == 0)
+    const std::uint64_t bits = subscribedBits.load(std::memory_order_acquire);
+    if (bits == 0 || (bits & GetBit(type)) == 0) // the type is hashed only where somebody listens at all
         return;
     const SubscribersHandle subscribers = Find(type);
     if (subscribers == nullptr)

@@ -107,6 +107,18 @@ TEST_F(FileFolderObserver, ObserversOutliveTheirStorageSystem) {
     EXPECT_FALSE(missing->hasChanged());
 }
 
+TEST(FileFolderObserverFactory, IsNotInheritedByAStorageSystemAtTheSameAddress) {
+    MemoryStorage memory({"/a/"});
+    const auto refer = [&] { return StorageSystemReference(&memory, [](const StorageSystem*) {}); };
+    GetFileFolderObserverFactory(refer()).setRemotePathPolicy(RemotePathPolicy::reload);
+    const auto second = refer();
+    auto& factory = GetFileFolderObserverFactory(second);
+    EXPECT_EQ(factory.getRemotePathPolicy(), RemotePathPolicy::timecheckDir);
+    const auto observer =
+        factory.createObserver(Locate("/a"), memory.takeChangeMark(Locate("/a")), ObservationLevel::timeCheck);
+    EXPECT_FALSE(observer->hasChanged());
+}
+
 TEST_F(FileFolderObserver, ComeAndGoInAllThreadsWhileLevelsChange) {
     const auto shared = Observe("/a", ObservationLevel::timeCheck);
     const auto work = [&] {

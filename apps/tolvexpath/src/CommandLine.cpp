@@ -1,0 +1,63 @@
+#include "CommandLine.h"
+
+#include "Commands.h"
+#include "Messages.h"
+#include "Version.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/core.h>
+
+#include <iostream>
+#include <map>
+
+namespace TolvexPath {
+
+namespace {
+
+constexpr const char* overview = R"(Exit status:
+  0  found, or everything asked for was shown
+  1  nothing found, or a folder could not be read
+  2  wrong use, or an input or output failed
+
+Each command has its own --help with examples.)";
+
+std::string DescribeWrongUse(const CLI::App* app, const CLI::Error& error) {
+    const auto chosen = app->get_subcommands();
+    const std::string command = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
+    return fmt::format("{}: {}\nTry '{} {}--help'.\n", programName, error.what(), programName, command);
+}
+
+ExitCode ParseAndRun(int argumentCount, const char* const* arguments) {
+    CLI::App app("Shows what a search path of code folders holds and finds files on it by name.", programName);
+    app.set_version_flag("--version", fmt::format("{} {}", programName, versionText));
+    app.require_subcommand(1);
+    app.footer(overview);
+    app.failure_message(DescribeWrongUse);
+
+    const auto commands = CreateCommands();
+    std::map<const CLI::App*, ICommand*> byArguments;
+    for (const auto& command : commands) {
+        CLI::App* const declared = app.add_subcommand(command->GetName(), command->GetSummary());
+        command->DeclareArguments(*declared);
+        byArguments.emplace(declared, command.get());
+    }
+    try {
+        app.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, std::cout, std::cerr) == 0 ? ExitCode::success : ExitCode::failure;
+    }
+    return byArguments.at(app.get_subcommands().front())->Run();
+}
+
+} // namespace
+
+ExitCode RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
+    try {
+        return ParseAndRun(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        PrintMessage(error.what());
+    }
+    return ExitCode::failure;
+}
+
+} // namespace TolvexPath

@@ -1,0 +1,140 @@
+#include "Commands.h"
+#include "Conversation.h"
+#include "Finder.h"
+#include "FolderArguments.h"
+#include "FoundFiles.h"
+#include "Messages.h"
+#include "Output.h"
+#include "SearchOptions.h"
+#include "Terminal.h"
+#include "UsageError.h"
+
+#include "search_path/Accessors.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace TolvexPath {
+
+using PathManagement::FoundItem;
+using PathManagement::IPath;
+using PathManagement::PathEntryVector;
+
+namespace {
+
+constexpr const char* help = R"(NAME is the name of a file without its extension. It may have folder names in
+front, as in 'geometry/area' or '+shapes/@Polygon/area': these have to be the last
+names of the file's folder. A plain name is looked for in main folders only, a name
+with folders in every kind of folder, unless --scope says otherwise.
+
+Without --all the first file in path order is given. In one folder the extension
+that stands first in --ext wins.
+
+--queries reads one JSON object a line and writes one JSON array a line:
+  {"name":"area","extensions":[".kx"],"policy":1,"scope":[0,1],"all":true}
+policy: 0 exact, 1 ignore case, 2 native; scope: 0 main, 1 package, 2 method,
+3 private, 4 udd, 5 resources. All but the name may be left out and is then what
+the other options say. Blank lines are passed over. Answers come as soon as no
+further question waits.
+
+Examples:
+  tolvexpath find area -p geometry -p statistics
+  tolvexpath find area -p geometry -p statistics --all --scope all
+  tolvexpath find +shapes/area --path-file path.txt --json
+  tolvexpath find --queries - -p geometry <questions.jsonl
+  tolvexpath find mean --ext .txt -0 -p statistics | xargs -0 head
+
+Exit status: 0 found; 1 not found; 2 wrong use. With --queries: 0 every question
+was answered, 2 one was not. A folder that cannot be read is reported, left out and
+has no bearing on the exit status.)";
+
+class FindCommand final : public ICommand {
+public:
+    [[nodiscard]] std::string GetName() const override { return "find"; }
+    [[nodiscard]] std::string GetSummary() const override { return "Find files on a path by name"; }
+    void DeclareArguments(CLI::App& arguments) override;
+    [[nodiscard]] ExitCode Run() override;
+
+private:
+    void CheckArguments() const;
+    [[nodiscard]] Finder MakeFinder() const;
+    [[nodiscard]] ExitCode FindName(Output& output) const;
+    void Write(Output& output, std::span<const FoundItem> files) const;
+
+    FolderArguments folders;
+    SearchOptions search;
+    std::optional<std::string> name;    // as bytes
+    std::optional<std::string> queries; // a file's name
+    bool asJson = false;
+    bool endWithZero = false;
+};
+
+void FindCommand::DeclareArguments(CLI::App& arguments) {
+    CLI::Option* const nameOption = arguments.add_option("NAME", name, "What to look for")->type_name("");
+    folders.DeclareOptions(arguments);
+    search.DeclareOptions(arguments);
+    CLI::Option* const json = arguments.add_flag("--json", asJson, "Write a JSON array");
+    CLI::Option* const zero =
+        arguments.add_flag("-0,--print0", endWithZero, "End each path with a zero byte instead of a line feed")
+            ->excludes(json);
+    arguments.add_option("--queries", queries, "Answer the questions of a file; '-' is the standard input")
+        ->type_name("FILE")
+        ->excludes(nameOption)
+        ->excludes(zero);
+    arguments.footer(help);
+}
+
+void FindCommand::CheckArguments() const {
+    if (!name && !queries)
+        throw UsageError("find needs a NAME or --queries");
+    if (queries == "-" && folders.ReadsStandardInput())
+        throw UsageError("the standard input cannot be both the list of folders and the questions");
+}
+
+ExitCode FindCommand::Run() {
+    CheckArguments();
+    Output output;
+    const ExitCode result = queries ? AnswerQuestions(MakeFinder(), *queries, output) : FindName(output);
+    output.Flush();
+    return result;
+}
+
+Finder FindCommand::MakeFinder() const {
+    SearchDefaults defaults = search.GetDefaults();
+    auto entries = std::make_shared<PathEntryVector>(CreateEntries(folders.GetLocations()));
+    std::erase(*entries, nullptr);
+    return {PathManagement::GetCurrentPathFactory().CreatePath(std::move(entries), nullptr), std::move(defaults)};
+}
+
+ExitCode FindCommand::FindName(Output& output) const {
+    const Finder finder = MakeFinder();
+    Question question;
+    question.name = Tolvex::FromUtf8(*name);
+    const std::vector<FoundItem> files = finder.Answer(question);
+    Write(output, files);
+    if (!files.empty())
+        return ExitCode::success;
+    const std::string explanation = finder.ExplainMiss(question);
+    PrintMessage(
+        fmt::format("nothing on the path answers to '{}'{}{}", *name, explanation.empty() ? "" : "; ", explanation));
+    return ExitCode::notFound;
+}
+
+void FindCommand::Write(Output& output, std::span<const FoundItem> files) const {
+    if (asJson)
+        WriteFoundJson(output, files);
+    else if (endWithZero)
+        WriteFoundPaths(output, files, '\0');
+    else if (IsTerminal(StandardChannel::output))
+        ShowFoundPaths(output, files);
+    else
+        WriteFoundPaths(output, files, '\n');
+}
+
+} // namespace
+
+std::unique_ptr<ICommand> CreateFindCommand() {
+    return std::make_unique<FindCommand>();
+}
+
+} // namespace TolvexPath

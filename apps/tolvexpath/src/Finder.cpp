@@ -1,0 +1,77 @@
+#include "Finder.h"
+
+#include "path_utilities/PartialPathname.h"
+#include "path_utilities/PathItemBlock.h"
+#include "path_utilities/PathText.h"
+
+#include <fmt/format.h>
+
+namespace TolvexPath {
+
+using PathManagement::FilenameMatchingPolicy;
+using PathManagement::FoundItem;
+using PathManagement::PathEntryType;
+using PathManagement::SearchScope;
+using PathManagement::SearchTarget;
+using Tolvex::ustring_view;
+
+namespace {
+
+Question IgnoringCase(Question question) {
+    question.policy = FilenameMatchingPolicy::ignoreCase;
+    return question;
+}
+
+Question InEveryKindOfFolder(Question question) {
+    question.scope = SearchScope::All();
+    return question;
+}
+
+/// A name given with its extension; a file's own dots behind its folder names.
+Question WithoutExtension(Question question) {
+    const std::size_t start = question.name.find_last_of(PathManagement::Constants::PathnameSeparatorStr) + 1;
+    const auto parts = PathManagement::SplitFileName(ustring_view(question.name).substr(start));
+    question.name.resize(question.name.size() - parts.extension.size());
+    return question;
+}
+
+} // namespace
+
+SearchScope GetUsualScope(ustring_view name) {
+    const std::size_t separator = name.find_first_of(PathManagement::Constants::PathnameSeparatorStr);
+    const bool isPartialPathname = separator != ustring_view::npos && separator > 0;
+    return isPartialPathname ? SearchScope::All() : SearchScope{PathEntryType::mainFolder};
+}
+
+std::vector<FoundItem> Finder::Answer(const Question& question) const {
+    const SearchTarget target(question.name,
+                              question.extensions ? std::span(*question.extensions) : std::span(defaults.extensions));
+    const FilenameMatchingPolicy policy = question.policy.value_or(defaults.policy);
+    const SearchScope scope = question.scope ? *question.scope : defaults.scope.value_or(GetUsualScope(question.name));
+    if (question.all.value_or(defaults.all))
+        return path->FindAllInScope(scope, target, policy);
+    std::vector<FoundItem> found;
+    if (auto first = path->FindFirstInScope(scope, target, policy))
+        found.push_back(std::move(*first));
+    return found;
+}
+
+std::string Finder::ExplainMiss(const Question& question) const {
+    struct Relaxation {
+        Question question;
+        const char* explanation;
+    };
+    const Relaxation relaxations[] = {
+        {WithoutExtension(question), "answers to the name without its extension"},
+        {IgnoringCase(question), "differs in case (--match ignore-case finds it)"},
+        {InEveryKindOfFolder(question), "lies in another kind of folder (--scope all finds it)"},
+    };
+    for (const Relaxation& relaxation : relaxations)
+        if (const auto found = Answer(relaxation.question); !found.empty())
+            return fmt::format("'{}' {}",
+                               Tolvex::ToUtf8(PathManagement::GetStringFromIRI(found.front().GetItem().GetIRI())),
+                               relaxation.explanation);
+    return {};
+}
+
+} // namespace TolvexPath

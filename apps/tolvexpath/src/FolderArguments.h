@@ -1,0 +1,47 @@
+#pragma once
+
+#include "path_interfaces/IPathEntry.h"
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace Tolvex {
+class Notification;
+}
+
+namespace TolvexPath {
+
+/// The folders that a command line names, in the order in which it names them.
+class FolderArguments {
+public:
+    /// Declares -p/--path and --path-file, which fill this object; it has to stay where it is.
+    void DeclareOptions(CLI::App& arguments);
+
+    /// `folder` as bytes, absolute or relative to the working folder.
+    void AddFolder(std::string folder);
+    /// A file of such folders, one a line; "-" is the standard input. Read when the locations are asked for.
+    void AddListFile(std::string fileName);
+
+    [[nodiscard]] bool ReadsStandardInput() const noexcept;
+
+    /// Every folder as it is spelled: "." and ".." stay, since what they mean depends on links. Throws UsageError when
+    /// there is no folder, or one that no name can be; std::system_error for a list that cannot be read.
+    [[nodiscard]] std::vector<Tolvex::AbsoluteIRI> GetLocations() const;
+
+private:
+    struct Source {
+        std::string text;
+        bool isListFile;
+    };
+    std::vector<Source> sources;
+};
+
+/// Has the entries of all locations made, with progress on a terminal. One place for each location; null where the
+/// folder cannot be read, for which a message is written.
+[[nodiscard]] PathManagement::PathEntryVector CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& locations);
+
+} // namespace TolvexPath

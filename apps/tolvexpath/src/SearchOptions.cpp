@@ -1,0 +1,115 @@
+#include "SearchOptions.h"
+
+#include "UsageError.h"
+
+#include "foundation/environment/CodeFiles.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string_view>
+#include <utility>
+
+namespace TolvexPath {
+
+using PathManagement::FilenameMatchingPolicy;
+using PathManagement::PathEntryType;
+using PathManagement::SearchScope;
+
+namespace {
+
+template <typename Value>
+using Named = std::pair<std::string_view, Value>;
+
+constexpr std::array<Named<FilenameMatchingPolicy>, 3> policies = {{
+    {"exact", FilenameMatchingPolicy::exact},
+    {"ignore-case", FilenameMatchingPolicy::ignoreCase},
+    {"native", FilenameMatchingPolicy::native},
+}};
+
+constexpr std::array<Named<PathEntryType>, PathManagement::pathEntryTypeCount> kinds = {{
+    {"main", PathEntryType::mainFolder},
+    {"package", PathEntryType::packageFolder},
+    {"method", PathEntryType::methodFolder},
+    {"private", PathEntryType::privateFolder},
+    {"udd", PathEntryType::uddClassFolder},
+    {"resources", PathEntryType::resourcesFolder},
+}};
+
+template <typename Value, std::size_t count>
+Value Choose(const std::array<Named<Value>, count>& choices, std::string_view name, std::string_view option) {
+    const auto chosen = std::find_if(choices.begin(), choices.end(), [name](const auto& c) { return c.first == name; });
+    if (chosen != choices.end())
+        return chosen->second;
+    std::string known;
+    for (const auto& choice : choices)
+        known += fmt::format("{}{}", known.empty() ? "" : ", ", choice.first);
+    throw UsageError(fmt::format("{}: '{}' is none of {}", option, name, known));
+}
+
+std::vector<std::string_view> SplitAtCommas(std::string_view text) {
+    std::vector<std::string_view> parts;
+    for (std::size_t comma = text.find(','); comma != std::string_view::npos; comma = text.find(',')) {
+        parts.push_back(text.substr(0, comma));
+        text.remove_prefix(comma + 1);
+    }
+    parts.push_back(text);
+    return parts;
+}
+
+/// An empty text is the extension of files without one.
+std::vector<Tolvex::ustring> ReadExtensions(std::string_view text) {
+    std::vector<Tolvex::ustring> extensions;
+    for (const std::string_view part : SplitAtCommas(text)) {
+        if (!part.empty() && part.front() != '.')
+            throw UsageError(fmt::format("--ext: '{0}' has no dot; write '.{0}'", part));
+        extensions.push_back(Tolvex::FromUtf8(part));
+    }
+    return extensions;
+}
+
+SearchScope ReadScope(std::string_view text) {
+    if (text == "all")
+        return SearchScope::All();
+    SearchScope scope;
+    for (const std::string_view part : SplitAtCommas(text))
+        scope.Add(Choose(kinds, part, "--scope"));
+    return scope;
+}
+
+std::string ListUsualExtensions() {
+    std::string list;
+    for (const Tolvex::ustring& extension : Tolvex::GetCodeFileExtensions())
+        list += (list.empty() ? "" : ",") + Tolvex::ToUtf8(extension);
+    return list;
+}
+
+} // namespace
+
+void SearchOptions::DeclareOptions(CLI::App& arguments) {
+    arguments.add_flag("-a,--all", all, "Give every file that answers, winners first");
+    arguments.add_option("--ext", extensions, "Wanted extensions, most wanted first [" + ListUsualExtensions() + "]")
+        ->type_name(".A,.B");
+    arguments
+        .add_option("--match", match, "How names compare: exact, ignore-case or native, as the disk does [native]")
+        ->type_name("HOW");
+    arguments
+        .add_option("--scope", scope, "Kinds of folders: all, or some of main,package,method,private,udd,resources")
+        ->type_name("KINDS");
+}
+
+SearchDefaults SearchOptions::GetDefaults() const {
+    const auto usual = Tolvex::GetCodeFileExtensions();
+    SearchDefaults defaults;
+    defaults.extensions = extensions ? ReadExtensions(*extensions) : std::vector(usual.begin(), usual.end());
+    defaults.policy = Choose(policies, match, "--match");
+    if (scope)
+        defaults.scope = ReadScope(*scope);
+    defaults.all = all;
+    return defaults;
+}
+
+} // namespace TolvexPath

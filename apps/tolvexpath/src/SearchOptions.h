@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Question.h"
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace TolvexPath {
+
+/// The options that say how files are looked for: --all, --ext, --match and --scope.
+class SearchOptions {
+public:
+    /// Declares the options, which fill this object; it has to stay where it is.
+    void DeclareOptions(CLI::App& arguments);
+
+    /// Throws UsageError for values that mean nothing.
+    [[nodiscard]] SearchDefaults GetDefaults() const;
+
+private:
+    bool all = false;
+    std::optional<std::string> extensions; // as given, with commas
+    std::string match = "native";
+    std::optional<std::string> scope; // as given, with commas
+};
+
+} // namespace TolvexPath

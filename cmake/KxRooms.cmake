@@ -2,8 +2,9 @@
 # public operations (KX_ROOM_LIBRARY is set) link that library as a host would; tests of the product's inner
 # rooms link the rooms' objects, because nothing of them is visible from outside.
 
-function(_kx_apply_settings target)
-  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:kx_build_settings>)
+# kx_apply_settings(<target>): what every compiled target of this project has in common.
+function(kx_apply_settings target)
+  target_link_libraries(${target} PRIVATE kx_build_settings)
   set_target_properties(${target} PROPERTIES
     CXX_EXTENSIONS OFF
     CXX_VISIBILITY_PRESET hidden
@@ -28,7 +29,7 @@ function(kx_add_room target)
   endif()
 
   add_library(${target} OBJECT ${room_SOURCES})
-  _kx_apply_settings(${target})
+  kx_apply_settings(${target})
   target_include_directories(${target} PUBLIC ${room_INCLUDE_DIR} PRIVATE src)
   target_link_libraries(${target} PUBLIC ${room_LIBS} PRIVATE ${room_PRIVATE_LIBS})
   set_target_properties(${target} PROPERTIES KX_ROOM_LIBRARY "${KX_ROOM_LIBRARY}")
@@ -41,7 +42,7 @@ function(kx_add_shared_library target)
   cmake_parse_arguments(PARSE_ARGV 1 lib "" "EXPORT_NAME" "ROOMS;SOURCES;PUBLIC_HEADERS;LIBS;PRIVATE_LIBS")
   add_library(${target} SHARED ${lib_SOURCES})
   add_library(KxSearchPath::${lib_EXPORT_NAME} ALIAS ${target})
-  _kx_apply_settings(${target})
+  kx_apply_settings(${target})
   target_link_libraries(${target} PUBLIC ${lib_LIBS} PRIVATE ${lib_ROOMS} ${lib_PRIVATE_LIBS})
   target_link_options(${target} PRIVATE -Wl,-z,defs)
   set_target_properties(${target} PROPERTIES

@@ -69,7 +69,7 @@ struct Straggler {
 };
 
 [[noreturn]] void LogToTheVeryEnd() {
-    static const Straggler straggler; // older than the logging library's own static objects, so destroyed after them
+    static const Straggler straggler; // older than what the log makes on first use
     SetLogLevel("test::straggler", 1);
     straggler.channel.Write(1, "written early");
     std::exit(0);

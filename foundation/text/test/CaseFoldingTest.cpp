@@ -91,10 +91,10 @@ ustring FoldOneByOne(ustring_view text) {
 
 // Runs of ASCII around the block borders, letters of every plane that folds, whole and broken surrogate pairs.
 rc::Gen<ustring> Names() {
-    const std::vector<ustring> parts{u"A",           u"z",          u"@[`{",   u"Seventy", u"EightLet",
-                                     u"aLongerName", u"_9",         u"\u00C4", u"\u00DF",  u"\u1E9E",
-                                     u"\u0130",      u"\u03A3",     u"\u03C2", u"\u212A",  u"\U00010400",
-                                     u"\U0001E900",  u"\U0001F600", {0xD801},  {0xDC00},   {0xDCC4}};
+    const std::vector<ustring> parts{u"A",           u"z",      u"@AZ[",   u"`az{",       u"Seventy",    u"EightLet",
+                                     u"aLongerName", u"_9",     u"\u00C4", u"\u00DF",     u"\u1E9E",     u"\u0130",
+                                     u"\u03A3",      u"\u03C2", u"\u212A", u"\U00010400", u"\U0001E900", u"\U0001F600",
+                                     {0xD801},       {0xDC00},  {0xDCC4}};
     return rc::gen::map(rc::gen::container<std::vector<ustring>>(rc::gen::elementOf(parts)),
                         [](const std::vector<ustring>& chosen) {
                             ustring joined;

@@ -44,7 +44,9 @@ function(kx_add_shared_library target)
   add_library(KxSearchPath::${lib_EXPORT_NAME} ALIAS ${target})
   kx_apply_settings(${target})
   target_link_libraries(${target} PUBLIC ${lib_LIBS} PRIVATE ${lib_ROOMS} ${lib_PRIVATE_LIBS})
-  target_link_options(${target} PRIVATE -Wl,-z,defs)
+  if(NOT KX_SANITIZE) # a sanitizer's own operations come from the program
+    target_link_options(${target} PRIVATE -Wl,-z,defs)
+  endif()
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${lib_EXPORT_NAME}
     VERSION ${PROJECT_VERSION}

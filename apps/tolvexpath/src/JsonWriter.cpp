@@ -47,6 +47,26 @@ void WriteCodePoint(Output& output, char32_t point) {
     output.Write(tail(0));
 }
 
+bool NeedsEscape(char16_t unit) {
+    return unit < 0x20 || unit == u'"' || unit == u'\\' || unit == 0x7F;
+}
+
+/// Returns the number of code units that the character takes.
+std::size_t WriteCharacter(Output& output, Tolvex::ustring_view text, std::size_t position) {
+    const char16_t unit = text[position];
+    if (IsSurrogate(unit) && StartsPair(text, position)) {
+        WriteCodePoint(output, CombinePair(unit, text[position + 1]));
+        return 2;
+    }
+    if (IsSurrogate(unit) || NeedsEscape(unit))
+        WriteEscape(output, unit);
+    else if (unit < 0x80)
+        output.Write(static_cast<char>(unit));
+    else
+        WriteCodePoint(output, unit);
+    return 1;
+}
+
 } // namespace
 
 void JsonWriter::Key(std::string_view asciiName) {
@@ -60,19 +80,8 @@ void JsonWriter::Key(std::string_view asciiName) {
 void JsonWriter::String(Tolvex::ustring_view text) {
     Separate();
     output.Write('"');
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char16_t unit = text[i];
-        if (unit < 0x20 || unit == u'"' || unit == u'\\' || unit == 0x7F)
-            WriteEscape(output, unit);
-        else if (unit < 0x80)
-            output.Write(static_cast<char>(unit));
-        else if (!IsSurrogate(unit))
-            WriteCodePoint(output, unit);
-        else if (StartsPair(text, i))
-            WriteCodePoint(output, CombinePair(unit, text[++i]));
-        else
-            WriteEscape(output, unit);
-    }
+    for (std::size_t i = 0; i < text.size();)
+        i += WriteCharacter(output, text, i);
     output.Write('"');
     needsComma = true;
 }

@@ -23,12 +23,11 @@ public:
         return Find(identifier);
     }
 
-    void* Put(ProcessScopeStore::Identifier identifier, const std::shared_ptr<void>& object) {
+    void* Put(ProcessScopeStore::Identifier identifier, std::shared_ptr<void> object) {
         const std::lock_guard lock(mutex);
         if (void* const known = Find(identifier); known != nullptr)
             return known;
-        objects.emplace_back(identifier, object);
-        return object.get();
+        return objects.emplace_back(identifier, std::move(object)).second.get();
     }
 
     /// Destroys all objects, latest first; also those put in meanwhile. No lock is held while a destructor runs.
@@ -82,7 +81,7 @@ void* ProcessScopeStore::Get(Identifier identifier) {
 void* ProcessScopeStore::Put(Identifier identifier, std::shared_ptr<void> object) {
     // Made now, so that static objects the kept object refers to, which are older, are destroyed after it.
     static const ProcessEnd processEnd;
-    return GetContents().Put(identifier, object);
+    return GetContents().Put(identifier, std::move(object));
 }
 
 } // namespace Tolvex

@@ -59,19 +59,26 @@ public:
         const auto keptBus = bus; // a handler may drop this manager; its queue is delivered all the same
         const auto keptQueue = queue;
         std::exception_ptr first;
-        while (const auto next = keptQueue->TakeFirst()) {
-            try {
-                keptBus->Publish(next->type, next->event.get());
-            } catch (...) {
-                if (first == nullptr)
-                    first = std::current_exception();
-            }
+        while (true) {
+            const auto next = keptQueue->TakeFirst();
+            if (!next.has_value())
+                break;
+            DeliverOne(*keptBus, *next, first);
         }
         if (first != nullptr)
             std::rethrow_exception(first);
     }
 
 private:
+    static void DeliverOne(EventBus& to, const EventQueue::QueuedEvent& queued, std::exception_ptr& first) {
+        try {
+            to.Publish(queued.type, queued.event.get());
+        } catch (...) {
+            if (first == nullptr)
+                first = std::current_exception();
+        }
+    }
+
     ScopedConnection DoSubscribe(std::type_index type, Handler handler) override {
         return EventBus::Subscribe(bus, type, std::move(handler));
     }

@@ -66,9 +66,24 @@ TEST(PathEntryFactory, EndsChainsOfLinksThatLeadBackUp) {
                      "/m/@gone -> /nowhere", "/m/+file -> /m/a.kx", "/m/x.kx -> /n/b.kx",
                      "/m/+deep/+deeper -> /m/+deep"});
     EXPECT_EQ(Draw(*world.Entry("/m")), "0 /m [+file a.kx x.kx] (1 deep []) (1 side [b.kx])");
-    // The same from either end, whatever was built before.
+    // A folder asked for by itself is not cut by what lies above it, whatever was built before.
     EXPECT_EQ(Draw(*world.Entry("/m/+side")), "1 side [b.kx] (1 side.back [+file a.kx x.kx] (1 side.back.deep []))");
     EXPECT_EQ(Draw(*world.Entry("/m")), "0 /m [+file a.kx x.kx] (1 deep []) (1 side [b.kx])");
+}
+
+TEST(PathEntryFactory, AFolderCutFromAboveIsWholeWhenAskedForByItself) {
+    const std::vector<std::string> paths{"/box/f.kx", "/box/+p/g.kx", "/box/+p/@c -> /box"};
+    const std::string_view cut = "0 /box [f.kx] (1 p [g.kx])";
+    const std::string_view whole = "1 p [g.kx] (2 p.c [f.kx])";
+    for (const bool outerFirst : {false, true}) {
+        PathWorld world(paths);
+        const auto first = world.Entry(outerFirst ? "/box" : "/box/+p");
+        const auto second = world.Entry(outerFirst ? "/box/+p" : "/box");
+        EXPECT_EQ(Draw(*first), outerFirst ? cut : whole);
+        EXPECT_EQ(Draw(*second), outerFirst ? whole : cut);
+        EXPECT_EQ(Draw(*world.Entry("/box")), cut);
+        EXPECT_EQ(Draw(*world.Entry("/box/+p")), whole);
+    }
 }
 
 TEST(PathEntryFactory, LeavesOutWhatIsNestedBeyondReason) {

@@ -27,6 +27,11 @@ struct LookUp {
     std::string_view all; // what FindAll gives; FindFirst has to give the first of it
 };
 
+/// Names the case in test reports.
+void PrintTo(const LookUp& lookUp, std::ostream* out) {
+    *out << lookUp.name << " gives " << lookUp.all;
+}
+
 class PathEntryLookUp : public testing::TestWithParam<std::pair<CaseRule, LookUp>> {};
 
 TEST_P(PathEntryLookUp, FindsByWantedExtensionsFirstAndItemOrderSecond) {

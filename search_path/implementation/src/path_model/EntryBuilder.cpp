@@ -46,6 +46,7 @@ struct EntryBuilder::Opened {
     Tolvex::PathComparator comparator;
     ChangeMark mark;
     bool isPresent;
+    bool cutFromAbove = false;
 };
 
 /// A listing that is filled again and again by one thread; as many exist as folders are nested.
@@ -146,15 +147,16 @@ std::shared_ptr<const PathEntry> EntryBuilder::TryTwice(const Location& location
 /// Null for a child folder that leads back to a folder above it.
 std::shared_ptr<const PathEntry> EntryBuilder::BuildFrom(const Location& location, PathEntryType type,
                                                          std::unique_ptr<Folder> folder) {
-    const Opened opened{folder->getPathComparator(), folder->getChangeMark(), true};
+    Opened opened{folder->getPathComparator(), folder->getChangeMark(), true};
     if (LeadsBackUp(opened.mark))
         return nullptr;
     ListingLease listing;
     std::vector<ChildFolder> folders;
     listing.Fill(*folder, location.getBaseName(), type, folders);
     ++building.foldersListed;
-    folderChain.push_back(opened.mark);
+    folderChain.push_back({opened.mark});
     PathEntryChildren children = BuildChildren(location, folders, std::move(folder));
+    opened.cutFromAbove = folderChain.back().cutFromAbove;
     folderChain.pop_back();
     return Finish(location, type, std::move(children), listing.GetFileNames(), opened);
 }
@@ -164,8 +166,11 @@ PathEntryChildren EntryBuilder::BuildChildren(const Location& location, const st
     PathEntryChildren children;
     if (folderChain.size() > heldOpenDepth)
         folder.reset();
-    if (folderChain.size() >= maximumDepth)
+    if (folderChain.size() >= maximumDepth) {
+        if (!folders.empty())
+            NoteCut(0);
         return children;
+    }
     for (const ChildFolder& child : folders)
         if (auto entry = BuildChild(location.getChild(child.name), child.type, folder.get()))
             PathEntryFactory::PushChildEntryToCurrentPathEntry(children, std::move(entry));
@@ -190,10 +195,21 @@ std::shared_ptr<const PathEntry> EntryBuilder::FindReusableChild(const Location&
     return live->entry;
 }
 
-bool EntryBuilder::LeadsBackUp(const ChangeMark& mark) const noexcept {
-    return std::any_of(folderChain.begin(), folderChain.end(), [&](const ChangeMark& above) {
-        return above.device == mark.device && above.inode == mark.inode;
+bool EntryBuilder::LeadsBackUp(const ChangeMark& mark) noexcept {
+    const auto above = std::find_if(folderChain.begin(), folderChain.end(), [&](const ChainLink& link) {
+        return link.mark.device == mark.device && link.mark.inode == mark.inode;
     });
+    if (above == folderChain.end())
+        return false;
+    NoteCut(static_cast<std::size_t>(above - folderChain.begin()));
+    return true;
+}
+
+/// Something is left out here because of the folder at this depth. The entries of the folders below that one would have
+/// it if they were asked for by themselves.
+void EntryBuilder::NoteCut(std::size_t causeDepth) noexcept {
+    for (std::size_t depth = causeDepth + 1; depth < folderChain.size(); ++depth)
+        folderChain[depth].cutFromAbove = true;
 }
 
 std::shared_ptr<const PathEntry> EntryBuilder::Finish(const Location& location, PathEntryType type,
@@ -203,7 +219,7 @@ std::shared_ptr<const PathEntry> EntryBuilder::Finish(const Location& location, 
     auto entry = std::make_shared<const PathEntry>(
         location, DescribeEntry(location, building.descriptors), type, std::move(children), fileNames,
         opened.comparator, building.observers.createObserver(location, opened.mark, level), building.eventManager);
-    made.push_back({entry, mainLocation, PathEntrySource::disk, level, opened.isPresent});
+    made.push_back({entry, mainLocation, PathEntrySource::disk, level, opened.isPresent, opened.cutFromAbove});
     return entry;
 }
 

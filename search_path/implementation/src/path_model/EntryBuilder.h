@@ -53,15 +53,20 @@ private:
     std::shared_ptr<const PathEntry> FindReusableChild(const Location& location) const;
     PathEntryChildren BuildChildren(const Location& location, const std::vector<ChildFolder>& folders,
                                     std::unique_ptr<Tolvex::Folder> folder);
-    [[nodiscard]] bool LeadsBackUp(const Tolvex::ChangeMark& mark) const noexcept;
+    [[nodiscard]] bool LeadsBackUp(const Tolvex::ChangeMark& mark) noexcept;
+    void NoteCut(std::size_t causeDepth) noexcept;
     std::shared_ptr<const PathEntry> Finish(const Location& location, PathEntryType type, PathEntryChildren children,
                                             std::span<const ustring_view> fileNames, const Opened& opened);
 
     EntryBuilding& building;
     const IFolderMonitor& monitor;
     Location mainLocation;
-    std::vector<Tolvex::ChangeMark> folderChain; // the folders being built, outermost first
-    std::vector<CachedEntry> made;               // children before parents; recorded when all is done
+    struct ChainLink {
+        Tolvex::ChangeMark mark;
+        bool cutFromAbove = false;
+    };
+    std::vector<ChainLink> folderChain; // the folders being built, outermost first
+    std::vector<CachedEntry> made;      // children before parents; recorded when all is done
 };
 
 } // namespace PathManagement

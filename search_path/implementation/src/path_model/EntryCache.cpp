@@ -13,14 +13,16 @@ std::optional<CachedEntry> EntryCache::Find(const Tolvex::AbsoluteIRI& location)
     std::shared_ptr<const PathEntry> entry = record.entry.lock();
     if (!entry)
         return std::nullopt;
-    return CachedEntry{std::move(entry), record.builtUnder, record.source, record.level, record.folderPresent};
+    return CachedEntry{std::move(entry), record.builtUnder,    record.source,
+                       record.level,     record.folderPresent, record.cutFromAbove};
 }
 
 void EntryCache::Add(std::span<const CachedEntry> entries) {
     const std::unique_lock lock(mutex);
     for (const CachedEntry& added : entries)
-        diskEntries.insert_or_assign(added.entry->GetIRI(), Record{added.entry, added.entry.get(), added.builtUnder,
-                                                                   added.source, added.level, added.folderPresent});
+        diskEntries.insert_or_assign(added.entry->GetIRI(),
+                                     Record{added.entry, added.entry.get(), added.builtUnder, added.source, added.level,
+                                            added.folderPresent, added.cutFromAbove});
 }
 
 void EntryCache::Remove(const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry) {

@@ -17,6 +17,7 @@ struct CachedEntry {
     PathEntrySource source;
     FolderMonitoringLevel level;
     bool folderPresent; ///< false for the empty entry of a folder that is missing or cannot be read
+    bool cutFromAbove;  ///< something below was left out because of the folders above: asked for directly, it is more
 };
 
 /// The live entries of one factory by canonical IRI. Entries are held weakly: an entry that nobody else holds dies, and
@@ -43,6 +44,7 @@ private:
         PathEntrySource source;
         FolderMonitoringLevel level;
         bool folderPresent;
+        bool cutFromAbove;
     };
 
     mutable std::shared_mutex mutex;

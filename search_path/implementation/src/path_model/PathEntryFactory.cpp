@@ -58,7 +58,10 @@ void PathEntryFactory::UseOneEntryForOneFolder(PathEntryVector& entries) const {
         if (isFirst || other == entries[i])
             continue;
         const auto kept = building.cache.Find(entries[i]->GetIRI());
-        (kept && kept->entry == entries[i] ? other : entries[i]) = kept ? kept->entry : other;
+        if (kept && kept->entry == entries[i])
+            other = entries[i];
+        else
+            entries[i] = other;
     }
 }
 
@@ -92,7 +95,7 @@ std::shared_ptr<const IPathEntry> PathEntryFactory::CreatePathEntry(const Absolu
 
 std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIRI& location) const {
     const auto live = building.cache.Find(location);
-    if (!live || live->entry->IsOutOfDate())
+    if (!live || (live->cutFromAbove && live->builtUnder != location) || live->entry->IsOutOfDate())
         return nullptr;
     ++building.entriesReused;
     return live->entry;

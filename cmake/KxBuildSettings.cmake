@@ -14,7 +14,9 @@ if(KX_DEVELOPER)
     -Wimplicit-fallthrough -Wdouble-promotion -Wformat=2 -Werror
     # A constructor's parameter may bear the name of the member it sets, which g++ tells apart only in this form.
     $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>
-    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op>)
+    $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wlogical-op>
+    # typeid(*pointer) is meant to evaluate its operand.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-potentially-evaluated-expression>)
   check_linker_flag(CXX "-fuse-ld=mold" KX_HAS_MOLD)
   if(KX_HAS_MOLD)
     target_link_options(kx_build_settings INTERFACE -fuse-ld=mold)
@@ -32,6 +34,10 @@ if(KX_SANITIZE)
   target_compile_options(kx_build_settings INTERFACE
     -fsanitize=${KX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kx_build_settings INTERFACE -fsanitize=${KX_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(kx_build_settings INTERFACE
+      -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/sanitizer-ignorelist.txt)
+  endif()
 endif()
 if(KX_COVERAGE)
   target_compile_options(kx_build_settings INTERFACE --coverage)

@@ -86,14 +86,14 @@ public:
         textLength = MeasureTexts();
     }
 
-    std::shared_ptr<const PathItemBlock> Build(const Tolvex::CanonicalAbsoluteIRI& folder) const {
+    std::shared_ptr<const PathItemBlock> Build(const Tolvex::CanonicalAbsoluteIRI& location) const {
         static_assert(std::is_trivially_destructible_v<PathItem> && alignof(PathItem) <= alignof(PathItemBlock));
         const std::size_t itemsEnd = sizeof(PathItemBlock) + drafts.size() * sizeof(PathItem);
         const std::size_t size = itemsEnd + textLength * sizeof(char16_t);
         if (size > UINT32_MAX)
             throw std::length_error("PathItemBlock: a folder whose names need more than 4 GB");
         void* memory = ::operator new(size);
-        std::shared_ptr<const PathItemBlock> block(new (memory) PathItemBlock(folder, drafts.size()), Release());
+        std::shared_ptr<const PathItemBlock> block(new (memory) PathItemBlock(location, drafts.size()), Release());
         Fill(static_cast<char*>(memory), itemsEnd);
         return block;
     }

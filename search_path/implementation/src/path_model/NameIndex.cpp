@@ -114,18 +114,18 @@ NameIndex::NameIndex(std::span<const std::span<const PathItem>> itemsBySlot) {
 }
 
 /// The bucket of the entry's hash, or the empty one where it belongs.
-NameIndex::Entry& NameIndex::Part::BucketFor(const Entry& entry, unsigned partBits) noexcept {
-    std::size_t i = Home(entry.hash << partBits);
+NameIndex::Entry& NameIndex::Part::BucketFor(const Entry& entry, unsigned bits) noexcept {
+    std::size_t i = Home(entry.hash << bits);
     while (buckets[i].record.slot != emptyMark && buckets[i].hash != entry.hash)
         i = i + 1 == buckets.size() ? 0 : i + 1;
     return buckets[i];
 }
 
-void NameIndex::Part::Build(std::span<const Entry> entries, unsigned partBits) {
+void NameIndex::Part::Build(std::span<const Entry> entries, unsigned bits) {
     buckets.assign(entries.size() + entries.size() / 2 + 2, Entry{0, {emptyMark, 0}});
     std::uint32_t inRuns = 0;
     for (const Entry& entry : entries) {
-        Entry& bucket = BucketFor(entry, partBits);
+        Entry& bucket = BucketFor(entry, bits);
         NameRecord& record = bucket.record;
         if (record.slot == emptyMark) {
             bucket = entry;
@@ -147,7 +147,7 @@ void NameIndex::Part::Build(std::span<const Entry> entries, unsigned partBits) {
         }
     runs.resize(inRuns);
     for (const Entry& entry : entries) {
-        NameRecord& record = BucketFor(entry, partBits).record;
+        NameRecord& record = BucketFor(entry, bits).record;
         if ((record.slot & runMark) != 0)
             runs[(record.slot & ~runMark) + record.item++] = entry.record;
     }

@@ -51,7 +51,7 @@ private:
     /// records begins and how long it is.
     class Part {
     public:
-        void Build(std::span<const Entry> entries, unsigned partBits);
+        void Build(std::span<const Entry> entries, unsigned bits);
         [[nodiscard]] std::span<const NameRecord> Find(std::uint32_t position, std::uint32_t hash) const noexcept {
             for (std::size_t i = Home(position);; i = i + 1 == buckets.size() ? 0 : i + 1) {
                 const Entry& bucket = buckets[i];
@@ -73,7 +73,7 @@ private:
         [[nodiscard]] std::size_t Home(std::uint32_t position) const noexcept {
             return static_cast<std::size_t>((std::uint64_t{position} * buckets.size()) >> 32);
         }
-        Entry& BucketFor(const Entry& entry, unsigned partBits) noexcept;
+        Entry& BucketFor(const Entry& entry, unsigned bits) noexcept;
 
         std::vector<Entry> buckets;
         std::vector<NameRecord> runs;

@@ -24,7 +24,11 @@ Each command has its own --help with examples.)";
 std::string DescribeWrongUse(const CLI::App* app, const CLI::Error& error) {
     const auto chosen = app->get_subcommands();
     const std::string command = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
-    return fmt::format("{}: {}\nTry '{} {}--help'.\n", programName, error.what(), programName, command);
+    const auto unused = app->remaining();
+    const std::string problem = chosen.empty() && !unused.empty()
+                                    ? fmt::format("'{}' is no command of this program", unused.front())
+                                    : error.what();
+    return fmt::format("{}: {}\nTry '{} {}--help'.\n", programName, problem, programName, command);
 }
 
 ExitCode ParseAndRun(int argumentCount, const char* const* arguments) {

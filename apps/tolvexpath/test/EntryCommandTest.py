@@ -63,6 +63,7 @@ class EntryCommandTest(FolderTest):
             result = self.run_here(*arguments)
             self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
             self.assertRegex(result.err, "^tolvexpath: ")
+        self.assertIn("'nonsense'", self.run_here("nonsense", "-p", "x").err)
 
     def test_output_that_fails_is_a_failure(self):
         with open("/dev/full", "wb") as full:

@@ -150,7 +150,7 @@ void MemoryTree::Detach(const NodeReference& node, FileTime now) {
 }
 
 MemoryTree::NodeReference MemoryTree::Make(const NodeReference& folder, Kind kind, ustring_view name, FileTime now) {
-    const auto node = std::make_shared<Node>(Node{kind, ustring(name), ++lastInode, now, {}});
+    auto node = std::make_shared<Node>(Node{kind, ustring(name), ++lastInode, now, {}});
     Attach(folder, node, now);
     return node;
 }

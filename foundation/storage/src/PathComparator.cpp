@@ -5,12 +5,12 @@
 
 namespace Tolvex {
 
-bool PathComparator::operator()(ustring_view a, ustring_view b, CaseModifier modifier) const noexcept {
+bool PathComparator::IsSameInOtherCase(ustring_view a, ustring_view b, CaseModifier modifier) const noexcept {
     switch (modifier) {
     case CaseModifier::fileSystemRule:
-        return fileSystemIgnoresCase ? EqualIgnoringCase(a, b) : a == b;
+        return fileSystemIgnoresCase && EqualIgnoringCase(a, b);
     case CaseModifier::exact:
-        return a == b;
+        return false;
     case CaseModifier::ignoreCase:
         return EqualIgnoringCase(a, b);
     }

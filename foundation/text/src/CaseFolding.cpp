@@ -1,5 +1,7 @@
 #include "foundation/text/CaseFolding.h"
 
+#include "TextBlock.h"
+
 #include <utf8proc.h>
 
 #include <array>
@@ -65,42 +67,31 @@ std::size_t FoldFirst(ustring_view text, char16_t* out) {
     return 2;
 }
 
-/// Four code units in one register.
-using Block = std::uint64_t;
-constexpr std::size_t blockSize = sizeof(Block) / sizeof(char16_t);
-constexpr Block inEveryUnit = 0x0001'0001'0001'0001U;
-
-Block LoadBlock(const char16_t* text) {
-    Block block = 0;
-    std::memcpy(&block, text, sizeof(block));
-    return block;
-}
-
-constexpr bool IsAscii(Block block) {
+constexpr bool IsAscii(TextBlock block) {
     return (block & ~(0x7F * inEveryUnit)) == 0;
 }
 
 /// The bit that makes a capital small, in each unit that is a capital. REQUIRES: IsAscii(block).
-constexpr Block GetCapitals(Block block) {
-    const Block fromA = block + (0x80 - u'A') * inEveryUnit; // bit 7 is set in units from "A" on
-    const Block pastZ = block + (0x7F - u'Z') * inEveryUnit; // bit 7 is set in units behind "Z"
+constexpr TextBlock GetCapitals(TextBlock block) {
+    const TextBlock fromA = block + (0x80 - u'A') * inEveryUnit; // bit 7 is set in units from "A" on
+    const TextBlock pastZ = block + (0x7F - u'Z') * inEveryUnit; // bit 7 is set in units behind "Z"
     return ((fromA ^ pastZ) & (0x80 * inEveryUnit)) >> 2;
 }
 
 /// Folds one block when all of it is ASCII; else does nothing and returns false.
-bool FoldAsciiBlock(const char16_t* text, char16_t* out, Block& difference) {
-    const Block block = LoadBlock(text);
+bool FoldAsciiBlock(const char16_t* text, char16_t* out, TextBlock& difference) {
+    const TextBlock block = LoadBlock(text);
     if (!IsAscii(block))
         return false;
-    const Block capitals = GetCapitals(block);
-    const Block folded = block | capitals;
+    const TextBlock capitals = GetCapitals(block);
+    const TextBlock folded = block | capitals;
     difference |= capitals;
     std::memcpy(out, &folded, sizeof(folded));
     return true;
 }
 
 /// Folds from the start as long as whole blocks are ASCII; returns how many units that were.
-std::size_t FoldAsciiBlocks(const char16_t* text, std::size_t size, char16_t* out, Block& difference) {
+std::size_t FoldAsciiBlocks(const char16_t* text, std::size_t size, char16_t* out, TextBlock& difference) {
     if (size < blockSize)
         return 0;
     std::size_t done = 0;
@@ -128,13 +119,13 @@ ustring FoldCase(ustring_view text) {
 }
 
 bool FoldCaseTo(ustring_view text, char16_t* out) noexcept {
-    Block difference = 0;
+    TextBlock difference = 0;
     std::size_t i = FoldAsciiBlocks(text.data(), text.size(), out, difference);
     while (i != text.size()) {
         std::array<char16_t, 2> folded{};
         const std::size_t length = FoldFirst(text.substr(i), folded.data());
         for (std::size_t k = 0; k != length; ++k, ++i) {
-            difference |= static_cast<Block>(text[i] ^ folded[k]);
+            difference |= static_cast<TextBlock>(text[i] ^ folded[k]);
             out[i] = folded[k];
         }
         i += FoldAsciiBlocks(text.data() + i, text.size() - i, out + i, difference);
@@ -147,8 +138,8 @@ bool EqualIgnoringCase(ustring_view a, ustring_view b) noexcept {
         return false;
     for (std::size_t i = 0; i != a.size();) {
         if (a.size() - i >= blockSize) {
-            const Block blockA = LoadBlock(a.data() + i);
-            const Block blockB = LoadBlock(b.data() + i);
+            const TextBlock blockA = LoadBlock(a.data() + i);
+            const TextBlock blockB = LoadBlock(b.data() + i);
             if (IsAscii(blockA | blockB)) {
                 if ((blockA | GetCapitals(blockA)) != (blockB | GetCapitals(blockB)))
                     return false;

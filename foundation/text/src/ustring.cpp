@@ -1,5 +1,7 @@
 #include "foundation/text/ustring.h"
 
+#include "TextBlock.h"
+
 #include <utf8proc.h>
 
 #include <array>
@@ -58,6 +60,21 @@ void AppendUtf8(std::string& out, char32_t codePoint) {
 }
 
 } // namespace
+
+bool ContainsUnit(ustring_view text, char16_t unit) noexcept {
+    if (text.size() < blockSize)
+        return text.find(unit) != ustring_view::npos;
+    const TextBlock wanted = unit * inEveryUnit;
+    // Subtracting one borrows into the top bit of a unit exactly when it, or one below it in the block, is zero.
+    const auto isIn = [wanted](TextBlock block) {
+        block ^= wanted;
+        return ((block - inEveryUnit) & ~block & (0x8000 * inEveryUnit)) != 0;
+    };
+    for (std::size_t i = 0; i + blockSize <= text.size(); i += blockSize)
+        if (isIn(LoadBlock(text.data() + i)))
+            return true;
+    return isIn(LoadBlock(text.data() + (text.size() - blockSize)));
+}
 
 std::size_t ConvertFromUtf8(std::string_view bytes, char16_t* out) noexcept {
     char16_t* const start = out;

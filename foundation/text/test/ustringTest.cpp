@@ -65,5 +65,23 @@ RC_GTEST_PROP(Utf8, AnyBytesSurviveTheRoundTripInAtMostOneUnitAByte, ()) {
     RC_ASSERT(ToUtf8(text) == bytes);
 }
 
+RC_GTEST_PROP(Text, ShortCutsSayWhatTheStandardLibrarySays, ()) {
+    const auto nearly = [](const ustring& text, std::size_t change) {
+        ustring other = text;
+        if (change < other.size())
+            other[change] = static_cast<char16_t>(other[change] ^ (change % 2 == 0 ? 0x100 : 1));
+        return other;
+    };
+    const auto units = *rc::gen::container<std::vector<char16_t>>(
+        rc::gen::elementOf(std::vector<char16_t>{0, 1, u'.', u'/', u'0', 0x2E2F, 0x2F00, 0x7F2F, 0x802F, 0xFFFF}));
+    const ustring text(units.begin(), units.end());
+    const ustring other = nearly(text, *rc::gen::inRange<std::size_t>(0, text.size() + 3));
+    RC_ASSERT(IsSameText(text, other) == (text == other));
+    const auto length = *rc::gen::inRange<std::size_t>(0, text.size() + 1);
+    RC_ASSERT(IsSameText(text, other.substr(0, length)) == (text == other.substr(0, length)));
+    for (const char16_t unit : {u'/', u'\0', u'\xFFFF'})
+        RC_ASSERT(ContainsUnit(text, unit) == (text.find(unit) != ustring::npos));
+}
+
 } // namespace
 } // namespace Tolvex

@@ -2,20 +2,34 @@
 
 namespace PathManagement {
 
-const PathItem* FindFirstItem(std::span<const PathItem> candidates, const ItemQuestion& question) noexcept {
-    for (const ustring& extension : question.target.GetExtensions())
-        for (const PathItem& item : candidates)
-            if (question.AcceptsStem(item) && question.AcceptsExtension(item, extension))
-                return &item;
-    return nullptr;
+namespace {
+
+bool HasNameOfTarget(const PathItem& item, const SearchTarget& target) noexcept {
+    return Tolvex::IsSameText(item.GetNormalizedStem(), target.GetNormalizedName());
 }
 
-std::span<const PathItem> TakeItemsOfTarget(std::span<const PathItem> items, const SearchTarget& target) noexcept {
-    std::size_t length = 0;
-    while (length < items.size() && items[length].GetNameHash() == target.GetNameHash() &&
-           items[length].GetNormalizedStem() == target.GetNormalizedName())
+/// The usual case, a name with one extension: an item whose properties the loop keeps at hand.
+bool IsAccepted(const PathItem& item, const ItemQuestion& question) noexcept {
+    const ustring_view itsExtension = item.GetExtension();
+    for (const ustring& extension : question.target.GetExtensions())
+        if (question.comparator(itsExtension, extension, question.modifier))
+            return question.AcceptsStem(item);
+    return false;
+}
+
+} // namespace
+
+const PathItem* FindFirstItemOfName(std::span<const PathItem> items, const ItemQuestion& question) noexcept {
+    const PathItem& first = items.front();
+    if (!HasNameOfTarget(first, question.target))
+        return nullptr;
+    std::size_t length = 1;
+    while (length < items.size() && items[length].GetNameHash() == first.GetNameHash() &&
+           HasNameOfTarget(items[length], question.target))
         ++length;
-    return items.first(length);
+    if (length == 1)
+        return IsAccepted(first, question) ? &first : nullptr;
+    return FindFirstItem(items.first(length), question);
 }
 
 } // namespace PathManagement

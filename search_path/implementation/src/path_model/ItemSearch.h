@@ -14,19 +14,25 @@ struct ItemQuestion {
     Tolvex::PathComparator comparator;
     Tolvex::CaseModifier modifier;
 
+    [[nodiscard]] bool Accepts(const PathItem& item, ustring_view extension) const noexcept {
+        return comparator(item.GetExtension(), extension, modifier) && AcceptsStem(item);
+    }
     [[nodiscard]] bool AcceptsStem(const PathItem& item) const noexcept {
         // Items reach a question by their normalised stem, so ignoring case the stems are equal already.
         return modifier == Tolvex::CaseModifier::ignoreCase || comparator(item.GetStem(), target.GetName(), modifier);
-    }
-    [[nodiscard]] bool AcceptsExtension(const PathItem& item, ustring_view wanted) const noexcept {
-        return comparator(item.GetExtension(), wanted, modifier);
     }
 };
 
 /// The first of `candidates`, items whose normalised stem is the target's, that answers with the most wanted
 /// extension; null when none does.
-[[nodiscard]] const PathItem* FindFirstItem(std::span<const PathItem> candidates,
-                                            const ItemQuestion& question) noexcept;
+[[nodiscard]] inline const PathItem* FindFirstItem(std::span<const PathItem> candidates,
+                                                   const ItemQuestion& question) noexcept {
+    for (const ustring& extension : question.target.GetExtensions())
+        for (const PathItem& item : candidates)
+            if (question.Accepts(item, extension))
+                return &item;
+    return nullptr;
+}
 
 /// Calls `found` with every candidate that answers: by the target's order of extensions, then in item order. An item
 /// that answers to two extensions of the target is found twice.
@@ -34,12 +40,13 @@ template <class Found>
 void FindAllItems(std::span<const PathItem> candidates, const ItemQuestion& question, const Found& found) {
     for (const ustring& extension : question.target.GetExtensions())
         for (const PathItem& item : candidates)
-            if (question.AcceptsStem(item) && question.AcceptsExtension(item, extension))
+            if (question.Accepts(item, extension))
                 found(item);
 }
 
-/// The leading run of `items` whose normalised stem is the target's; empty when the first item's is another.
-[[nodiscard]] std::span<const PathItem> TakeItemsOfTarget(std::span<const PathItem> items,
-                                                          const SearchTarget& target) noexcept;
+/// As FindFirstItem, asked of an entry's items from the first of a name on; null also when the name, whose hash is the
+/// target's, is another. REQUIRES: at least one item.
+[[nodiscard]] const PathItem* FindFirstItemOfName(std::span<const PathItem> items,
+                                                  const ItemQuestion& question) noexcept;
 
 } // namespace PathManagement

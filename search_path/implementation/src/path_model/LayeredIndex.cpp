@@ -69,7 +69,7 @@ std::size_t CountItems(const IPathEntry& mainEntry) {
 } // namespace
 
 LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries)
-    : mainEntries(std::move(entries)), groupUses(mainEntries->size()) {
+    : mainEntries(std::move(entries)), groupUses(mainEntries->size()), leases(mainEntries->size()) {
     std::vector<std::uint32_t> places(mainEntries->size());
     std::iota(places.begin(), places.end(), 0u);
     const std::vector<EntryGroup> groups = AddLayer(places);
@@ -83,7 +83,7 @@ LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries)
 }
 
 LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries, const LayeredIndex& previous)
-    : mainEntries(std::move(entries)), groupUses(mainEntries->size()) {
+    : mainEntries(std::move(entries)), groupUses(mainEntries->size()), leases(mainEntries->size()) {
     const MainEntryMatch match(*previous.mainEntries, *mainEntries);
     std::size_t addedNames = 0;
     for (std::size_t place = 0; place < mainEntries->size(); ++place)
@@ -167,16 +167,6 @@ PathEntryVector LayeredIndex::CollectAllEntries() const {
         for (const Slot& slot : layers[groupUses[place].layer].layer->GetGroup(groupUses[place].group))
             all.push_back(GetHandle(MakePlace(place, groupUses[place].layer, slot)));
     return all;
-}
-
-std::shared_ptr<const IPathEntry> LayeredIndex::GetHandle(const Place& place) const {
-    const std::uint32_t mainPlace = place.GetMainPlace();
-    const auto& mainEntry = (*mainEntries)[mainPlace];
-    if (place.slot->IsMain())
-        return mainEntry;
-    const GroupUse& use = groupUses[mainPlace];
-    return use.handles ? (*use.handles)[place.slot->ordinal]
-                       : std::shared_ptr<const IPathEntry>(mainEntry, place.slot->entry);
 }
 
 LayeredIndex::Place LayeredIndex::GetParent(const Place& place) const noexcept {

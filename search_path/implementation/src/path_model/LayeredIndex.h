@@ -1,5 +1,6 @@
 #pragma once
 
+#include "path_model/EntryLeases.h"
 #include "path_model/PathLayer.h"
 #include "path_model/PublishOnce.h"
 
@@ -18,6 +19,15 @@ namespace PathManagement {
 /// are made again together, so that there are few of them (the logarithmic method of Bentley and Saxe, "Decomposable
 /// searching problems", 1980).
 class LayeredIndex {
+    static constexpr std::uint32_t offPath = UINT32_MAX;
+
+    /// A layer, and where its groups stand on this path.
+    struct LayerUse {
+        std::shared_ptr<const PathLayer> layer;
+        std::vector<std::uint32_t> mainPlaces; // by group; `offPath` for one that is not on this path
+        bool isInPathOrder = true;             // places grow with group numbers
+    };
+
 public:
     using Slot = PathLayer::Slot;
 
@@ -50,24 +60,43 @@ public:
     [[nodiscard]] std::size_t GetIndexedNameCount() const noexcept { return indexedNames; }
     [[nodiscard]] std::size_t GetLayerCount() const noexcept { return layers.size(); }
 
-    /// Calls `visit(place, item)` for the entries that may hold files of a name, where `item` is the first of them.
-    /// `visit` returns the order behind which no further place matters; most places behind it are passed over.
-    template <class Visit>
-    void ForEachNamed(std::uint32_t hash, const Visit& visit) const {
-        std::uint64_t limit = UINT64_MAX;
-        for (std::uint32_t layer = 0; layer < layers.size(); ++layer) {
-            const LayerUse& use = layers[layer];
-            for (const NameRecord& record : use.layer->FindName(hash)) {
-                const Slot& slot = use.layer->GetSlot(record.slot);
-                const std::uint32_t mainPlace = use.mainPlaces[slot.group];
+    /// The entries of one layer that may hold files of a name.
+    class NamedEntries {
+    public:
+        /// Calls `visit(place, item)` for the entries that are on the path, where `item` is the first of that name
+        /// among the entry's. `visit` returns the order behind which no further place matters, `limit` at first; most
+        /// places behind it are passed over.
+        template <class Visit>
+        void ForEach(std::uint64_t limit, const Visit& visit) const {
+            for (const NameRecord& record : records) {
+                const Slot& slot = use->layer->GetSlot(record.slot);
+                const std::uint32_t mainPlace = use->mainPlaces[slot.group];
                 if (mainPlace == offPath)
                     continue;
                 const Place place = MakePlace(mainPlace, layer, slot);
                 if (place.order < limit)
                     limit = visit(place, record.item);
-                else if (use.isInPathOrder)
+                else if (use->isInPathOrder)
                     break;
             }
+        }
+
+    private:
+        friend class LayeredIndex;
+        const LayerUse* use;
+        std::uint32_t layer;
+        std::span<const NameRecord> records;
+    };
+
+    /// Calls `visit` with the NamedEntries of each layer that has some for the name's hash.
+    template <class Visit>
+    void ForEachLayerWithName(std::uint32_t hash, const Visit& visit) const {
+        NamedEntries entries;
+        for (entries.layer = 0; entries.layer < layers.size(); ++entries.layer) {
+            entries.use = &layers[entries.layer];
+            entries.records = entries.use->layer->FindName(hash);
+            if (!entries.records.empty())
+                visit(entries);
         }
     }
 
@@ -81,21 +110,19 @@ public:
     [[nodiscard]] std::vector<Place> FindType(PathEntryType type) const;
 
     /// A handle that keeps the entry alive.
-    [[nodiscard]] std::shared_ptr<const IPathEntry> GetHandle(const Place& place) const;
+    [[nodiscard]] std::shared_ptr<const IPathEntry> GetHandle(const Place& place) const {
+        return GetHandle(place.GetMainPlace(), *place.slot);
+    }
+    [[nodiscard]] std::shared_ptr<const IPathEntry> GetHandle(std::uint32_t mainPlace, const Slot& slot) const {
+        if (const auto& handles = groupUses[mainPlace].handles)
+            return (*handles)[slot.ordinal];
+        return leases.Take(mainPlace, (*mainEntries)[mainPlace], *slot.entry);
+    }
 
     /// The entry above; the main entry is its own.
     [[nodiscard]] Place GetParent(const Place& place) const noexcept;
 
 private:
-    static constexpr std::uint32_t offPath = UINT32_MAX;
-
-    /// A layer, and where its groups stand on this path.
-    struct LayerUse {
-        std::shared_ptr<const PathLayer> layer;
-        std::vector<std::uint32_t> mainPlaces; // by group; `offPath` for one that is not on this path
-        bool isInPathOrder = true;             // places grow with group numbers
-    };
-
     /// Where the group of a main entry is kept.
     struct GroupUse {
         std::uint32_t layer = 0;
@@ -117,6 +144,7 @@ private:
     std::shared_ptr<const PathEntryVector> mainEntries;
     std::vector<LayerUse> layers;
     std::vector<GroupUse> groupUses; // by place of the main entry
+    EntryLeases leases;
     PublishOnce<PathEntryVector> allEntries;
     std::size_t indexedNames = 0;
 };

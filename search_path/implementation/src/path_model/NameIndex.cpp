@@ -18,6 +18,10 @@ constexpr std::size_t itemsAChunk = 32768;
 
 constexpr unsigned maximumPartBits = 10;
 
+/// How full the tables are at most: so many names in so many buckets.
+constexpr std::size_t namesInBuckets = 5;
+constexpr std::size_t bucketsForNames = 6;
+
 /// Calls `visit` with the hash and the index of the first item of each run of equal normalised stems.
 template <class Visit>
 void ForEachName(std::span<const PathItem> items, const Visit& visit) {
@@ -114,21 +118,31 @@ NameIndex::NameIndex(std::span<const std::span<const PathItem>> itemsBySlot) {
 }
 
 /// The bucket of the entry's hash, or the empty one where it belongs.
-NameIndex::Entry& NameIndex::Part::BucketFor(const Entry& entry, unsigned bits) noexcept {
-    std::size_t i = Home(entry.hash << bits);
-    while (buckets[i].record.slot != emptyMark && buckets[i].hash != entry.hash)
-        i = i + 1 == buckets.size() ? 0 : i + 1;
-    return buckets[i];
+std::size_t NameIndex::Part::BucketFor(const Entry& entry, unsigned bits) noexcept {
+    for (std::size_t group = Home(entry.hash << bits);; group = NextGroup(group)) {
+        const TagGroup tagGroup(tags.data() + group);
+        for (std::uint32_t match = tagGroup.Match(TagGroup::TagOf(entry.hash)); match != 0; match &= match - 1) {
+            const std::size_t bucket = group + static_cast<std::size_t>(std::countr_zero(match));
+            if (buckets[bucket].hash == entry.hash)
+                return bucket;
+        }
+        if (tagGroup.HasEmpty())
+            return group + static_cast<std::size_t>(std::countr_zero(tagGroup.Match(TagGroup::empty)));
+    }
 }
 
 void NameIndex::Part::Build(std::span<const Entry> entries, unsigned bits) {
-    buckets.assign(entries.size() + entries.size() / 2 + 2, Entry{0, {emptyMark, 0}});
+    // At least one bucket stays empty, which is what ends a search.
+    groupCount = entries.size() * bucketsForNames / namesInBuckets / TagGroup::size + 1;
+    tags.assign(static_cast<std::size_t>(groupCount) * TagGroup::size, TagGroup::empty);
+    buckets.resize(tags.size());
     std::uint32_t inRuns = 0;
     for (const Entry& entry : entries) {
-        Entry& bucket = BucketFor(entry, bits);
-        NameRecord& record = bucket.record;
-        if (record.slot == emptyMark) {
-            bucket = entry;
+        const std::size_t bucket = BucketFor(entry, bits);
+        NameRecord& record = buckets[bucket].record;
+        if (tags[bucket] == TagGroup::empty) {
+            tags[bucket] = TagGroup::TagOf(entry.hash);
+            buckets[bucket] = entry;
         } else if ((record.slot & runMark) == 0) {
             record = {runMark, 2}; // how many there are; where they begin follows
             inRuns += 2;
@@ -137,17 +151,21 @@ void NameIndex::Part::Build(std::span<const Entry> entries, unsigned bits) {
             ++inRuns;
         }
     }
-    if (inRuns == 0)
-        return;
+    if (inRuns != 0)
+        FillRuns(entries, bits, inRuns);
+}
+
+void NameIndex::Part::FillRuns(std::span<const Entry> entries, unsigned bits, std::uint32_t inRuns) {
     std::uint32_t begin = 0;
-    for (Entry& bucket : buckets)
-        if (bucket.record.slot != emptyMark && (bucket.record.slot & runMark) != 0) {
-            bucket.record.slot |= begin;
-            begin += std::exchange(bucket.record.item, 0);
+    for (std::size_t bucket = 0; bucket < buckets.size(); ++bucket)
+        if (NameRecord& record = buckets[bucket].record;
+            tags[bucket] != TagGroup::empty && (record.slot & runMark) != 0) {
+            record.slot |= begin;
+            begin += std::exchange(record.item, 0);
         }
     runs.resize(inRuns);
     for (const Entry& entry : entries) {
-        NameRecord& record = BucketFor(entry, bits).record;
+        NameRecord& record = buckets[BucketFor(entry, bits)].record;
         if ((record.slot & runMark) != 0)
             runs[(record.slot & ~runMark) + record.item++] = entry.record;
     }

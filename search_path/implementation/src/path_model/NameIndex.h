@@ -1,7 +1,9 @@
 #pragma once
 
 #include "path_interfaces/PathItem.h"
+#include "path_model/TagGroup.h"
 
+#include <bit>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -47,34 +49,44 @@ private:
         NameRecord record;
     };
 
-    /// An open-addressed table with linear probing. A bucket holds the only record of its hash, or says where a run of
-    /// records begins and how long it is.
+    /// An open-addressed table, probed by groups of buckets. A bucket holds the only record of its hash, or says where
+    /// a run of records begins and how long it is.
     class Part {
     public:
         void Build(std::span<const Entry> entries, unsigned bits);
         [[nodiscard]] std::span<const NameRecord> Find(std::uint32_t position, std::uint32_t hash) const noexcept {
-            for (std::size_t i = Home(position);; i = i + 1 == buckets.size() ? 0 : i + 1) {
-                const Entry& bucket = buckets[i];
-                if (bucket.record.slot == emptyMark)
+            for (std::size_t group = Home(position);; group = NextGroup(group)) {
+                const TagGroup tagGroup(tags.data() + group);
+                for (std::uint32_t match = tagGroup.Match(TagGroup::TagOf(hash)); match != 0; match &= match - 1) {
+                    const Entry& bucket = buckets[group + static_cast<std::size_t>(std::countr_zero(match))];
+                    if (bucket.hash == hash)
+                        return GetRecords(bucket);
+                }
+                if (tagGroup.HasEmpty())
                     return {};
-                if (bucket.hash != hash)
-                    continue;
-                if ((bucket.record.slot & runMark) == 0)
-                    return {&bucket.record, 1};
-                return {runs.data() + (bucket.record.slot & ~runMark), bucket.record.item};
             }
         }
 
     private:
         static constexpr std::uint32_t runMark = maximumSlots;
-        static constexpr std::uint32_t emptyMark = UINT32_MAX;
 
-        /// Spreads the hash's bits behind the part's over the table.
+        /// Spreads the hash's bits behind the part's over the groups; gives the first bucket of one.
         [[nodiscard]] std::size_t Home(std::uint32_t position) const noexcept {
-            return static_cast<std::size_t>((std::uint64_t{position} * buckets.size()) >> 32);
+            return static_cast<std::size_t>((std::uint64_t{position} * groupCount) >> 32) * TagGroup::size;
         }
-        Entry& BucketFor(const Entry& entry, unsigned bits) noexcept;
+        [[nodiscard]] std::size_t NextGroup(std::size_t group) const noexcept {
+            return group + TagGroup::size == tags.size() ? 0 : group + TagGroup::size;
+        }
+        [[nodiscard]] std::span<const NameRecord> GetRecords(const Entry& bucket) const noexcept {
+            if ((bucket.record.slot & runMark) == 0)
+                return {&bucket.record, 1};
+            return {runs.data() + (bucket.record.slot & ~runMark), bucket.record.item};
+        }
+        [[nodiscard]] std::size_t BucketFor(const Entry& entry, unsigned bits) noexcept;
+        void FillRuns(std::span<const Entry> entries, unsigned bits, std::uint32_t inRuns);
 
+        std::uint64_t groupCount = 0;
+        std::vector<std::uint8_t> tags; // by bucket
         std::vector<Entry> buckets;
         std::vector<NameRecord> runs;
     };

@@ -12,18 +12,55 @@ using Tolvex::CanonicalAbsoluteIRI;
 
 namespace {
 
-/// A name with a separator behind its first character, taken apart.
+/// Whether a name is no partial pathname: it holds no separator, or begins with one.
+bool IsPlainName(ustring_view name) {
+    const auto isIn = [name](char16_t separator) { return Tolvex::ContainsUnit(name, separator); };
+    return std::ranges::none_of(Constants::PathnameSeparatorStr, isIn) ||
+           name.find_first_of(Constants::PathnameSeparatorStr) == 0;
+}
+
+/// A partial pathname taken apart at its last separator.
 struct PartialPathname {
+    explicit PartialPathname(ustring_view name, std::size_t last)
+        : folders(SplitPartialPathname(name.substr(0, last))), stem(name.substr(last + 1)) {}
+    explicit PartialPathname(ustring_view name)
+        : PartialPathname(name, name.find_last_of(Constants::PathnameSeparatorStr)) {}
+
     PathnameComponents folders;
     ustring_view stem;
 };
 
-/// No value for a plain name.
-std::optional<PartialPathname> SplitPathname(ustring_view name) {
-    const std::size_t last = name.find_last_of(Constants::PathnameSeparatorStr);
-    if (last == ustring_view::npos || name.find_first_of(Constants::PathnameSeparatorStr) == 0)
-        return std::nullopt;
-    return PartialPathname{SplitPartialPathname(name.substr(0, last)), name.substr(last + 1)};
+struct NameQuestion {
+    SearchScope scope;
+    const SearchTarget& target;
+    FilenameMatchingPolicy policy;
+};
+
+/// The answer that stands first on the path so far.
+struct Winner {
+    std::uint64_t order = UINT64_MAX;
+    const LayeredIndex::Slot* slot = nullptr;
+    const PathItem* item = nullptr; ///< null when a foreign entry is the winner
+
+    [[nodiscard]] std::uint32_t GetMainPlace() const noexcept { return static_cast<std::uint32_t>(order >> 32); }
+};
+
+/// Kept apart so that the road of absent names, which ends before it, stays short.
+[[gnu::noinline]] void FindFirstInLayer(const LayeredIndex::NamedEntries& entries, const NameQuestion& question,
+                                        Winner& winner) {
+    const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(question.policy);
+    entries.ForEach(winner.order, [&](const LayeredIndex::Place& place, std::uint32_t firstItem) {
+        const LayeredIndex::Slot& slot = *place.slot;
+        if (!question.scope.Contains(slot.type))
+            return winner.order;
+        const PathItem* item = nullptr;
+        if (!slot.IsForeign())
+            item =
+                FindFirstItemOfName(slot.GetItems().subspan(firstItem), {question.target, slot.comparator, modifier});
+        if (slot.IsForeign() ? slot.entry->FindFirst(question.target, question.policy) != nullptr : item != nullptr)
+            winner = {place.order, place.slot, item};
+        return winner.order;
+    });
 }
 
 bool IsMethodFolderOfEitherKind(PathEntryType type) {
@@ -98,11 +135,13 @@ std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const Absolu
 
 std::optional<FoundItem> Path::FindFirstInScope(SearchScope scope, const SearchTarget& target,
                                                 FilenameMatchingPolicy policy) const {
-    const auto pathname = SplitPathname(target.GetName());
-    if (!pathname)
-        return FindFirstByName(scope, target, policy);
-    const SearchTarget inFolder = target.WithName(pathname->stem);
-    for (const Place& place : FindFolders(scope, pathname->folders))
+    // No file's name holds a separator, so nothing is found here that a partial pathname should not find, and a name
+    // that is found needs no look for separators.
+    if (auto found = FindFirstByName(scope, target, policy); found || IsPlainName(target.GetName()))
+        return found;
+    const PartialPathname pathname(target.GetName());
+    const SearchTarget inFolder = target.WithName(pathname.stem);
+    for (const Place& place : FindFolders(scope, pathname.folders))
         if (auto item = place.slot->entry->FindFirst(inFolder, policy))
             return FoundItem(index->GetHandle(place), std::move(item));
     return std::nullopt;
@@ -110,51 +149,36 @@ std::optional<FoundItem> Path::FindFirstInScope(SearchScope scope, const SearchT
 
 std::vector<FoundItem> Path::FindAllInScope(SearchScope scope, const SearchTarget& target,
                                             FilenameMatchingPolicy policy) const {
-    const auto pathname = SplitPathname(target.GetName());
-    if (!pathname)
+    if (IsPlainName(target.GetName()))
         return FindAllByName(scope, target, policy);
-    return FindAllInPlaces(FindFolders(scope, pathname->folders), target.WithName(pathname->stem), policy);
+    const PartialPathname pathname(target.GetName());
+    return FindAllInPlaces(FindFolders(scope, pathname.folders), target.WithName(pathname.stem), policy);
 }
 
 std::optional<FoundItem> Path::FindFirstByName(SearchScope scope, const SearchTarget& target,
                                                FilenameMatchingPolicy policy) const {
-    const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(policy);
-    std::optional<Place> winner;
-    const PathItem* winnersItem = nullptr;              // one of the winner's own block,
-    std::shared_ptr<const PathItem> winnersForeignItem; // or what a foreign winner answered
-    std::uint64_t limit = UINT64_MAX;
-    index->ForEachNamed(target.GetNameHash(), [&](const Place& place, std::uint32_t firstItem) {
-        const LayeredIndex::Slot& slot = *place.slot;
-        if (!scope.Contains(slot.type))
-            return limit;
-        const PathItem* item = nullptr;
-        std::shared_ptr<const PathItem> foreignItem;
-        if (slot.items != nullptr)
-            item = FindFirstItem(TakeItemsOfTarget(slot.GetItems().subspan(firstItem), target),
-                                 {target, slot.comparator, modifier});
-        else
-            item = (foreignItem = slot.entry->FindFirst(target, policy)).get();
-        if (item == nullptr)
-            return limit;
-        winner = place;
-        winnersItem = item;
-        winnersForeignItem = std::move(foreignItem);
-        return limit = place.order;
+    const NameQuestion question{scope, target, policy};
+    Winner winner;
+    index->ForEachLayerWithName(target.GetNameHash(), [&](const LayeredIndex::NamedEntries& entries) {
+        FindFirstInLayer(entries, question, winner);
     });
-    if (!winner)
+    if (winner.slot == nullptr)
         return std::nullopt;
-    auto handle = index->GetHandle(*winner);
-    return winnersForeignItem ? FoundItem(std::move(handle), std::move(winnersForeignItem))
-                              : FoundItem(std::move(handle), *winnersItem);
+    auto handle = index->GetHandle(winner.GetMainPlace(), *winner.slot);
+    if (winner.item == nullptr)
+        return FoundItem(std::move(handle), winner.slot->entry->FindFirst(target, policy));
+    return FoundItem(std::move(handle), *winner.item);
 }
 
 std::vector<FoundItem> Path::FindAllByName(SearchScope scope, const SearchTarget& target,
                                            FilenameMatchingPolicy policy) const {
     std::vector<Place> places;
-    index->ForEachNamed(target.GetNameHash(), [&](const Place& place, std::uint32_t) {
-        if (scope.Contains(place.slot->type))
-            places.push_back(place);
-        return UINT64_MAX;
+    index->ForEachLayerWithName(target.GetNameHash(), [&](const LayeredIndex::NamedEntries& entries) {
+        entries.ForEach(UINT64_MAX, [&](const LayeredIndex::Place& place, std::uint32_t) {
+            if (scope.Contains(place.slot->type))
+                places.push_back(place);
+            return UINT64_MAX;
+        });
     });
     std::sort(places.begin(), places.end());
     return FindAllInPlaces(places, target, policy);

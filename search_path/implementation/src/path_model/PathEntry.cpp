@@ -1,6 +1,5 @@
 #include "path_model/PathEntry.h"
 
-#include "foundation/diagnostics/Terminate.h"
 #include "path_interfaces/IPathEntryFactory.h"
 #include "path_interfaces/events/PathEntryWillBeDestroyedEvent.h"
 #include "path_model/ItemSearch.h"
@@ -133,18 +132,6 @@ bool PathEntry::ConcurrentForEachEntry(SearchScope scope, const PathEntryCallbac
 std::shared_ptr<const FilenameMatcher> PathEntry::CreateFilenameMatcher(FilenameMatchingPolicy policy) const {
     // The matcher points into this entry, so its handle keeps the entry alive.
     return {shared_from_this(), &GetFilenameMatcher(policy)};
-}
-
-CaseModifier PathEntry::GetCaseModifier(FilenameMatchingPolicy policy) {
-    switch (policy) {
-    case FilenameMatchingPolicy::exact:
-        return CaseModifier::exact;
-    case FilenameMatchingPolicy::ignoreCase:
-        return CaseModifier::ignoreCase;
-    case FilenameMatchingPolicy::native:
-        return CaseModifier::fileSystemRule;
-    }
-    Tolvex::DiagnosticTerminate("Unrecognized FilenameMatchingPolicy passed to GetFilenameMatcher");
 }
 
 const FilenameMatcher& PathEntry::GetFilenameMatcher(FilenameMatchingPolicy policy) const {

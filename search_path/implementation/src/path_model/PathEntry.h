@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/diagnostics/Terminate.h"
 #include "foundation/events/EventMgr.h"
 #include "foundation/observers/IFileFolderObserver.h"
 #include "path_interfaces/IPathEntry.h"
@@ -56,7 +57,17 @@ public:
 
     /// How a policy asks a comparator to compare; the values of the two enumerations deliberately differ. An unknown
     /// policy is a programming error and ends the process.
-    [[nodiscard]] static Tolvex::CaseModifier GetCaseModifier(FilenameMatchingPolicy policy);
+    [[nodiscard]] static Tolvex::CaseModifier GetCaseModifier(FilenameMatchingPolicy policy) {
+        switch (policy) {
+        case FilenameMatchingPolicy::exact:
+            return Tolvex::CaseModifier::exact;
+        case FilenameMatchingPolicy::ignoreCase:
+            return Tolvex::CaseModifier::ignoreCase;
+        case FilenameMatchingPolicy::native:
+            return Tolvex::CaseModifier::fileSystemRule;
+        }
+        Tolvex::DiagnosticTerminate("Unrecognized FilenameMatchingPolicy passed to GetFilenameMatcher");
+    }
 
     [[nodiscard]] const FilenameMatcher& GetFilenameMatcher(FilenameMatchingPolicy policy) const;
 

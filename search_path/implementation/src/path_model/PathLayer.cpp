@@ -68,9 +68,9 @@ void PathLayer::IndexNames() {
     std::vector<std::span<const PathItem>> itemsBySlot;
     itemsBySlot.reserve(slots.size());
     for (const Slot& slot : slots) {
-        if (slot.items == nullptr)
+        if (slot.IsForeign())
             copies.push_back(CopyItems(*slot.entry));
-        itemsBySlot.push_back(slot.items == nullptr ? copies.back()->GetItems() : slot.GetItems());
+        itemsBySlot.push_back(slot.IsForeign() ? copies.back()->GetItems() : slot.GetItems());
     }
     names = NameIndex(itemsBySlot);
 }

@@ -19,7 +19,7 @@ class PathLayer {
 public:
     struct Slot {
         const IPathEntry* entry;
-        const PathItem* items; ///< null for an entry that has to be asked through its interface
+        const PathItem* items; ///< null for a foreign entry
         std::uint32_t itemCount;
         std::uint32_t group;
         std::uint32_t ordinal; ///< place in the group; 0 for the main entry
@@ -27,6 +27,8 @@ public:
         PathEntryType type;
         Tolvex::PathComparator comparator;
 
+        /// Not of this library: its items are asked for, not read.
+        [[nodiscard]] bool IsForeign() const noexcept { return items == nullptr; }
         [[nodiscard]] bool IsMain() const noexcept { return ordinal == 0; }
         [[nodiscard]] std::span<const PathItem> GetItems() const noexcept { return {items, itemCount}; }
     };

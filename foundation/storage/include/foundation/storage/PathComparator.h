@@ -20,13 +20,18 @@ public:
     explicit constexpr PathComparator(bool fileSystemIgnoresCase = false) noexcept
         : fileSystemIgnoresCase(fileSystemIgnoresCase) {}
 
-    /// Any other modifier is a programming error and ends the process.
-    [[nodiscard]] bool operator()(ustring_view a, ustring_view b, CaseModifier modifier) const noexcept;
+    /// Any other modifier is a programming error; it ends the process when the answer depends on it.
+    [[nodiscard]] bool operator()(ustring_view a, ustring_view b, CaseModifier modifier) const noexcept {
+        return a.size() == b.size() && (IsSameText(a, b) || IsSameInOtherCase(a, b, modifier));
+    }
 
     /// What fileSystemRule means here.
     [[nodiscard]] constexpr bool IgnoresCase() const noexcept { return fileSystemIgnoresCase; }
 
 private:
+    /// REQUIRES: texts of one length that are not the same.
+    [[nodiscard]] bool IsSameInOtherCase(ustring_view a, ustring_view b, CaseModifier modifier) const noexcept;
+
     bool fileSystemIgnoresCase;
 };
 

@@ -1,0 +1,51 @@
+"""Counts what reading a path asks of the system. The figures may not depend on how many files there are."""
+
+import os
+import shutil
+import subprocess
+import unittest
+
+import program
+
+CALLS = "openat,openat2,statx,newfstatat,fstat,getdents64,close,readlink,readlinkat,faccessat,faccessat2,access"
+FILES_IN_ONE_READ = 400  # names of this length that one listing call surely returns
+
+
+def can_trace():
+    return shutil.which("strace") and subprocess.run(["strace", "-o", os.devnull, "true"], check=False).returncode == 0
+
+
+@unittest.skipUnless(can_trace(), "strace is not installed or not allowed here")
+class SystemCallsTest(program.FolderTest):
+    def count(self, folders):
+        log = self.path("log")
+        # The leak check of an instrumented program cannot run while it is traced.
+        environment = program.environment(ASAN_OPTIONS="detect_leaks=0", LSAN_OPTIONS="detect_leaks=0")
+        strace = ["strace", "-f", "-c", "-o", log, "-e", "trace=" + CALLS]
+        path = [argument for folder in folders for argument in ("-p", folder)]
+        done = subprocess.run([*strace, program.PROGRAM, "find", "wanted", *path], env=environment,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        self.assertEqual(program.FOUND, done.returncode, done.stderr)
+        with open(log, encoding="utf-8") as lines:
+            table = [line.split() for line in lines if line.strip() and line.split()[-1] in CALLS.split(",")]
+        return {words[-1]: int(words[3]) for words in table}
+
+    def folders(self, name, count, files):
+        for folder in range(count):
+            self.make(*(f"{name}{folder}/file{number}.kx" for number in range(files)))
+        self.make(f"{name}0/wanted.kx")
+        return [self.path(f"{name}{folder}") for folder in range(count)]
+
+    def test_a_folder_costs_five_calls_and_a_file_none(self):
+        few = self.count(self.folders("few", 10, 2))
+        many = self.count(self.folders("many", 10, FILES_IN_ONE_READ))
+        self.assertEqual(few, many, "files may cost no call of their own")
+        more = self.count(self.folders("more", 60, 2))
+        a_folder = {call: (more[call] - few[call]) / 50 for call in more}
+        # Opened, looked at, listed until nothing is left, closed.
+        self.assertEqual({"openat2": 1, "statx": 1, "getdents64": 2, "close": 1},
+                         {call: cost for call, cost in a_folder.items() if cost})
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -55,14 +55,21 @@ public:
     /// What the observers of this factory's entries have seen since a token; asked once for all of them.
     [[nodiscard]] virtual Tolvex::ChangeReport GetChangesSince(Tolvex::ChangeToken token) const = 0;
 
-    /// Reads a path cache file: each top-level folder record becomes an entry below `cacheRoot`, made without touching
-    /// the disk.
-    virtual void LoadToolboxCache(std::istream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot) = 0;
+    /// Reads a path cache file: each top-level folder record becomes an entry below `cacheRoot`, made without asking the
+    /// disk about it and handed out from then on, until it is known to be out of date. `writtenAt` is the moment whose
+    /// state the file records; a folder that changed later is out of date at the first look. Throws
+    /// ToolboxCacheWrongFormatException, and nothing of the file is used; Tolvex::StorageError when the root cannot be
+    /// opened.
+    virtual void LoadToolboxCache(std::istream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot,
+                                  Tolvex::FileTime writtenAt) = 0;
 
-    /// Writes a path cache file of every main-folder entry kept here that lies below `cacheRoot`.
+    /// Writes a path cache file of every main-folder entry kept here that lies below `cacheRoot`, in the order of their
+    /// locations. Folders that may have changed are listed again for it, so that the file is true as of the moment in
+    /// which writing began. Throws UnableToSaveToolboxCacheException; Tolvex::StorageError when the root cannot be
+    /// opened.
     virtual void WriteToolboxCache(std::ostream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot) const = 0;
 
-    /// Lets go of the entries that came from a cache file.
+    /// Forgets what came from cache files. Entries that are in use stay what they are.
     virtual void DropToolboxCache() = 0;
 
     /// How closely the folder is watched for this factory's entries.

@@ -9,25 +9,6 @@ namespace {
 
 using enum PathEntryType;
 
-std::string Descriptor(const IPathEntry& entry) {
-    const std::string text = Tolvex::ToUtf8(entry.GetDescriptor());
-    constexpr std::string_view scheme = "memory://";
-    return text.starts_with(scheme) ? text.substr(scheme.size()) : text;
-}
-
-/// "type descriptor [items]" of an entry and, in brackets, of its children.
-std::string Draw(const IPathEntry& entry) {
-    std::string text = std::to_string(static_cast<int>(entry.GetPathEntryType())) + " " + Descriptor(entry) + " [" +
-                       Names(*entry.GetPathItems()) + "]";
-    for (const auto& list : {entry.GetPackageEntries(), entry.GetMethodEntries(), entry.GetUDDClassEntries()})
-        for (const auto& child : *list)
-            text += " (" + Draw(*child) + ")";
-    for (const auto& child : {entry.GetPrivateEntry(), entry.GetResourcesEntry()})
-        if (child)
-            text += " (" + Draw(*child) + ")";
-    return text;
-}
-
 std::vector<std::string> Problems(const Tolvex::Notification& notification) {
     std::vector<std::string> texts;
     notification.ForEach([&](const auto& entry) {

@@ -24,6 +24,9 @@ public:
                        Tolvex::MemoryStorage::CaseRule caseRule = Tolvex::MemoryStorage::CaseRule::sensitive)
         : storage(std::make_shared<Tolvex::MemoryStorage>(paths, caseRule)) {}
 
+    /// Another environment, as after a start, over the tree of one that is there.
+    explicit PathWorld(std::shared_ptr<Tolvex::MemoryStorage> storage) : storage(std::move(storage)) {}
+
     static Tolvex::CanonicalAbsoluteIRI At(std::string_view path) {
         return Tolvex::CanonicalAbsoluteIRI::fromCanonical(Tolvex::MemoryStorage::GetIRI(path));
     }
@@ -86,6 +89,25 @@ inline std::string File(const FoundItem& found) {
 
 inline std::string File(const std::optional<FoundItem>& found) {
     return found ? File(*found) : "-";
+}
+
+inline std::string Descriptor(const IPathEntry& entry) {
+    const std::string text = Tolvex::ToUtf8(entry.GetDescriptor());
+    constexpr std::string_view scheme = "memory://";
+    return text.starts_with(scheme) ? text.substr(scheme.size()) : text;
+}
+
+/// "type descriptor [items]" of an entry and, in brackets, of its children.
+inline std::string Draw(const IPathEntry& entry) {
+    std::string text = std::to_string(static_cast<int>(entry.GetPathEntryType())) + " " + Descriptor(entry) + " [" +
+                       Names(*entry.GetPathItems()) + "]";
+    for (const auto& list : {entry.GetPackageEntries(), entry.GetMethodEntries(), entry.GetUDDClassEntries()})
+        for (const auto& child : *list)
+            text += " (" + Draw(*child) + ")";
+    for (const auto& child : {entry.GetPrivateEntry(), entry.GetResourcesEntry()})
+        if (child)
+            text += " (" + Draw(*child) + ")";
+    return text;
 }
 
 } // namespace PathManagement

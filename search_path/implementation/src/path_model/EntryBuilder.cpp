@@ -21,10 +21,6 @@ namespace {
 /// only one folder is open at a time, so that no nesting uses up the process's descriptors.
 constexpr std::size_t heldOpenDepth = 16;
 
-/// Special folders nested deeper than this are left out: no code library comes near it, and building, walking and
-/// releasing entries use the stack.
-constexpr std::size_t maximumDepth = 256;
-
 bool IsGone(StorageFailure failure) {
     return failure == StorageFailure::missing || failure == StorageFailure::notAFolder;
 }
@@ -108,6 +104,10 @@ std::shared_ptr<const PathEntry> EntryBuilder::Build(std::unique_ptr<Folder> fol
     return Publish(BuildFrom(mainLocation, GetPathEntryTypeFromLocation(mainLocation), std::move(folder)));
 }
 
+std::shared_ptr<const PathEntry> EntryBuilder::BuildUnrecorded(std::unique_ptr<Folder> folder) {
+    return BuildFrom(mainLocation, GetPathEntryTypeFromLocation(mainLocation), std::move(folder));
+}
+
 std::shared_ptr<const PathEntry> EntryBuilder::BuildOrEmpty() {
     const PathEntryType type = GetPathEntryTypeFromLocation(mainLocation);
     return Publish(TryTwice(mainLocation, type, [&] { return building.storage->openFolder(mainLocation); }));
@@ -186,10 +186,12 @@ std::shared_ptr<const PathEntry> EntryBuilder::BuildChild(const Location& locati
     });
 }
 
-/// Only an entry made under the same main folder has been checked for links that lead back up the same chain.
+/// Only an entry made under the same main folder has been checked for links that lead back up the same chain, and only
+/// one that is looked at can say that it is up to date.
 std::shared_ptr<const PathEntry> EntryBuilder::FindReusableChild(const Location& location) const {
     const auto live = building.cache.Find(location);
-    if (!live || !live->folderPresent || live->builtUnder != mainLocation || live->entry->IsOutOfDate())
+    if (!live || !live->folderPresent || live->level == FolderMonitoringLevel::none ||
+        live->builtUnder != mainLocation || live->entry->IsOutOfDate())
         return nullptr;
     ++building.entriesReused;
     return live->entry;

@@ -27,11 +27,18 @@ struct EntryBuilding {
 /// folders whose live entry is up to date are not listed at all. For one use by one thread.
 class EntryBuilder {
 public:
+    /// Special folders nested deeper than this are left out: no code library comes near it, and building, walking and
+    /// releasing entries use the stack.
+    static constexpr std::size_t maximumDepth = 256;
+
     EntryBuilder(EntryBuilding& building, const IFolderMonitor& monitor, Tolvex::CanonicalAbsoluteIRI location);
 
     /// Lists `folder`, which is open at the builder's location, and makes its entry. Throws Tolvex::StorageError when
     /// it cannot be listed.
     [[nodiscard]] std::shared_ptr<const PathEntry> Build(std::unique_ptr<Tolvex::Folder> folder);
+
+    /// As Build, but nobody else will be handed the entry or what is made below it.
+    [[nodiscard]] std::shared_ptr<const PathEntry> BuildUnrecorded(std::unique_ptr<Tolvex::Folder> folder);
 
     /// Opens and lists the folder; when it is missing or refuses to be read, makes an entry without contents that is
     /// out of date as soon as the folder changes or appears. Never null.

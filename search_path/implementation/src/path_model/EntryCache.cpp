@@ -1,13 +1,20 @@
 #include "path_model/EntryCache.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace PathManagement {
 
-std::optional<CachedEntry> EntryCache::Find(const Tolvex::AbsoluteIRI& location) const {
-    const std::shared_lock lock(mutex);
-    const auto found = diskEntries.find(location);
-    if (found == diskEntries.end())
+using Tolvex::AbsoluteIRI;
+
+EntryCache::Record EntryCache::MakeRecord(const CachedEntry& entry) {
+    return {entry.entry, entry.entry.get(),   entry.builtUnder,   entry.source,
+            entry.level, entry.folderPresent, entry.cutFromAbove, nullptr};
+}
+
+std::optional<CachedEntry> EntryCache::Find(const Records& records, const AbsoluteIRI& location) {
+    const auto found = records.find(location);
+    if (found == records.end())
         return std::nullopt;
     const Record& record = found->second;
     std::shared_ptr<const PathEntry> entry = record.entry.lock();
@@ -17,24 +24,82 @@ std::optional<CachedEntry> EntryCache::Find(const Tolvex::AbsoluteIRI& location)
                        record.level,     record.folderPresent, record.cutFromAbove};
 }
 
+std::optional<CachedEntry> EntryCache::Find(const AbsoluteIRI& location) const {
+    const std::shared_lock lock(mutex);
+    auto found = Find(diskEntries, location);
+    return found ? found : Find(cacheFileEntries, location);
+}
+
 void EntryCache::Add(std::span<const CachedEntry> entries) {
+    std::vector<Record> replaced; // dropped behind the lock
     const std::unique_lock lock(mutex);
-    for (const CachedEntry& added : entries)
-        diskEntries.insert_or_assign(added.entry->GetIRI(),
-                                     Record{added.entry, added.entry.get(), added.builtUnder, added.source, added.level,
-                                            added.folderPresent, added.cutFromAbove});
+    for (const CachedEntry& added : entries) {
+        diskEntries.insert_or_assign(added.entry->GetIRI(), MakeRecord(added));
+        if (const auto old = cacheFileEntries.find(added.entry->GetIRI()); old != cacheFileEntries.end()) {
+            replaced.push_back(std::move(old->second));
+            cacheFileEntries.erase(old);
+        }
+    }
+}
+
+void EntryCache::AddFromCacheFile(std::span<const CachedEntry> entries) {
+    std::vector<Record> replaced; // dropped behind the lock
+    const std::unique_lock lock(mutex);
+    for (const CachedEntry& added : entries) {
+        Record record = MakeRecord(added);
+        if (added.builtUnder == added.entry->GetIRI())
+            record.keeper = added.entry;
+        const auto [place, isNew] = cacheFileEntries.try_emplace(added.entry->GetIRI(), record);
+        if (!isNew)
+            replaced.push_back(std::exchange(place->second, std::move(record)));
+    }
+}
+
+void EntryCache::SetLevel(const IPathEntry& entry, FolderMonitoringLevel level) {
+    const Tolvex::CanonicalAbsoluteIRI location = entry.GetIRI();
+    const std::unique_lock lock(mutex);
+    for (Records* records : {&diskEntries, &cacheFileEntries})
+        if (const auto found = records->find(location); found != records->end() && found->second.identity == &entry)
+            found->second.level = level;
+}
+
+void EntryCache::DropCacheFile() {
+    Records dropped; // behind the lock
+    const std::unique_lock lock(mutex);
+    dropped.swap(cacheFileEntries);
+}
+
+void EntryCache::Remove(Records& records, const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry) {
+    const auto found = records.find(location);
+    if (found != records.end() && found->second.identity == &entry)
+        records.erase(found);
 }
 
 void EntryCache::Remove(const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry) {
     const std::unique_lock lock(mutex);
-    const auto found = diskEntries.find(location);
-    if (found != diskEntries.end() && found->second.identity == &entry)
-        diskEntries.erase(found);
+    Remove(diskEntries, location, entry);
+    Remove(cacheFileEntries, location, entry);
+}
+
+std::vector<CachedEntry> EntryCache::GetTopEntries() const {
+    std::vector<CachedEntry> entries;
+    {
+        const std::shared_lock lock(mutex);
+        for (const auto& [location, record] : diskEntries)
+            if (auto entry = Find(diskEntries, location); entry && entry->builtUnder == location)
+                entries.push_back(*std::move(entry));
+        for (const auto& [location, record] : cacheFileEntries)
+            if (record.builtUnder == location && !Find(diskEntries, location))
+                if (auto entry = Find(cacheFileEntries, location))
+                    entries.push_back(*std::move(entry));
+    }
+    std::ranges::sort(entries, {}, [](const CachedEntry& entry) { return entry.entry->GetIRI(); });
+    return entries;
 }
 
 std::size_t EntryCache::GetCount() const {
     const std::shared_lock lock(mutex);
-    return diskEntries.size();
+    return diskEntries.size() + cacheFileEntries.size();
 }
 
 } // namespace PathManagement

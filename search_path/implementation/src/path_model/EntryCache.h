@@ -7,6 +7,7 @@
 #include <shared_mutex>
 #include <span>
 #include <unordered_map>
+#include <vector>
 
 namespace PathManagement {
 
@@ -20,21 +21,41 @@ struct CachedEntry {
     bool cutFromAbove;  ///< something below was left out because of the folders above: asked for directly, it is more
 };
 
-/// The live entries of one factory by canonical IRI. Entries are held weakly: an entry that nobody else holds dies, and
-/// its death takes out its own record, never that of a successor under the same IRI. Safe from any thread: one
-/// reader-writer lock, never held while an entry is dropped, since an entry's death comes back here.
+/// The live entries of one factory by canonical IRI: those built from the disk, and behind them those built from a path
+/// cache file. Disk entries are held weakly, and so are the children of cache file entries; what stands at the top of a
+/// cache file is kept until an entry from the disk takes its place or the cache is dropped. The death of an entry takes
+/// out its own record, never that of a successor under the same IRI.
+///
+/// Safe from any thread: one reader-writer lock, never held while an entry is dropped, since an entry's death comes
+/// back here.
 class EntryCache {
 public:
     /// The live entry at a location; no value when there is none.
     [[nodiscard]] std::optional<CachedEntry> Find(const Tolvex::AbsoluteIRI& location) const;
 
-    /// Records entries, each in place of an earlier one at its location.
+    /// Records entries from the disk, each in place of an earlier one at its location.
     void Add(std::span<const CachedEntry> entries);
+
+    /// Records entries from a cache file, each in place of an earlier one from a cache file; keeps those that stand at
+    /// the top.
+    void AddFromCacheFile(std::span<const CachedEntry> entries);
+
+    /// Lets go of everything that came from a cache file.
+    void DropCacheFile();
+
+    /// Notes how closely an entry is watched from now on.
+    void SetLevel(const IPathEntry& entry, FolderMonitoringLevel level);
 
     /// Forgets an entry that is being destroyed.
     void Remove(const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry);
 
+    /// The live entries that were asked for by themselves, in the order of their locations.
+    [[nodiscard]] std::vector<CachedEntry> GetTopEntries() const;
+
     [[nodiscard]] std::size_t GetCount() const;
+
+    /// Keeps everything recorded as it is for as long as it is held. No entry may die in the holding thread.
+    [[nodiscard]] std::shared_lock<std::shared_mutex> LockShared() const { return std::shared_lock(mutex); }
 
 private:
     struct Record {
@@ -45,10 +66,17 @@ private:
         FolderMonitoringLevel level;
         bool folderPresent;
         bool cutFromAbove;
+        std::shared_ptr<const PathEntry> keeper; // null for all but the top entries of a cache file
     };
+    using Records = std::unordered_map<Tolvex::AbsoluteIRI, Record, Tolvex::IRIHash>;
+
+    [[nodiscard]] static Record MakeRecord(const CachedEntry& entry);
+    [[nodiscard]] static std::optional<CachedEntry> Find(const Records& records, const Tolvex::AbsoluteIRI& location);
+    static void Remove(Records& records, const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry);
 
     mutable std::shared_mutex mutex;
-    std::unordered_map<Tolvex::AbsoluteIRI, Record, Tolvex::IRIHash> diskEntries; // guarded by mutex
+    Records diskEntries;
+    Records cacheFileEntries;
 };
 
 } // namespace PathManagement

@@ -2,6 +2,10 @@
 
 #include "foundation/diagnostics/Terminate.h"
 #include "path_interfaces/events/PathEntryWillBeDestroyedEvent.h"
+#include "path_model/ToolboxCacheLoader.h"
+#include "path_utilities/ToolboxCacheReader.h"
+#include "path_utilities/ToolboxCacheWriter.h"
+#include "path_utilities/UniformFolderMonitor.h"
 
 #include <tbb/parallel_for.h>
 
@@ -81,7 +85,7 @@ PathEntryFactoryCounters PathEntryFactory::GetCounters() const {
 
 std::shared_ptr<const IPathEntry> PathEntryFactory::CreatePathEntry(const CanonicalAbsoluteIRI& location,
                                                                     const IFolderMonitor& monitor) const {
-    if (auto live = FindUpToDate(location))
+    if (auto live = FindUpToDate(location, monitor))
         return live;
     return EntryBuilder(building, monitor, location).BuildOrEmpty();
 }
@@ -93,12 +97,31 @@ std::shared_ptr<const IPathEntry> PathEntryFactory::CreatePathEntry(const Absolu
     return CreateFromExistingFolder(location, monitor);
 }
 
-std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIRI& location) const {
+std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIRI& location,
+                                                                const IFolderMonitor& monitor) const {
     const auto live = building.cache.Find(location);
-    if (!live || (live->cutFromAbove && live->builtUnder != location) || live->entry->IsOutOfDate())
+    if (!live || (live->cutFromAbove && live->builtUnder != location))
         return nullptr;
+    // Nobody looks at the disk for an entry from a cache file until it was handed out.
+    const bool isFirstUse = live->source == PathEntrySource::cacheFile && live->level == FolderMonitoringLevel::none;
+    if (!isFirstUse && live->entry->IsOutOfDate())
+        return nullptr;
+    if (isFirstUse)
+        StartWatching(*live, monitor);
     ++building.entriesReused;
     return live->entry;
+}
+
+void PathEntryFactory::StartWatching(const CachedEntry& live, const IFolderMonitor& monitor) const {
+    live.entry->ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
+        const CanonicalAbsoluteIRI location = entry->GetIRI();
+        const FolderMonitoringLevel level = monitor.GetMonitoringLevel(location);
+        if (level != FolderMonitoringLevel::none) {
+            building.observers.setObservationLevel(location, level);
+            building.cache.SetLevel(*entry, level);
+        }
+        return false;
+    });
 }
 
 /// Opens the folder once, whatever it is called, and asks for the entry under its one name. An empty entry kept for a
@@ -110,12 +133,12 @@ std::shared_ptr<const PathEntry> PathEntryFactory::CreateFromExistingFolder(cons
         return live && live->folderPresent;
     };
     if (isPresent(location))
-        if (auto live = FindUpToDate(location))
+        if (auto live = FindUpToDate(location, monitor))
             return live;
     auto folder = building.storage->openFolder(location);
     const CanonicalAbsoluteIRI canonical = folder->getCanonicalLocation();
     if (canonical != location && isPresent(canonical))
-        if (auto live = FindUpToDate(canonical))
+        if (auto live = FindUpToDate(canonical, monitor))
             return live;
     return EntryBuilder(building, monitor, canonical).Build(std::move(folder));
 }
@@ -124,15 +147,46 @@ Tolvex::ChangeReport PathEntryFactory::GetChangesSince(Tolvex::ChangeToken token
     return building.observers.getChangesSince(token);
 }
 
-void PathEntryFactory::LoadToolboxCache(std::istream&, const AbsoluteIRI&) {
-    throw Tolvex::InternalException("This build of the search path reads no path cache file.");
+void PathEntryFactory::LoadToolboxCache(std::istream& cacheFile, const AbsoluteIRI& cacheRoot,
+                                        Tolvex::FileTime writtenAt) {
+    const auto root = building.storage->openFolder(cacheRoot);
+    ToolboxCacheLoader loader(building, root->getCanonicalLocation(), root->getPathComparator(), writtenAt);
+    {
+        const auto lock = building.cache.LockShared();
+        ReadToolboxCache(cacheFile,
+                         [&](const std::shared_ptr<const ToolboxCacheRecord>& record) { loader.Add(*record); });
+    }
+    building.cache.AddFromCacheFile(loader.GetEntries());
+    building.entriesBuilt += loader.GetEntries().size();
 }
 
-void PathEntryFactory::WriteToolboxCache(std::ostream&, const AbsoluteIRI&) const {
-    throw Tolvex::InternalException("This build of the search path writes no path cache file.");
+void PathEntryFactory::WriteToolboxCache(std::ostream& cacheFile, const AbsoluteIRI& cacheRoot) const {
+    const CanonicalAbsoluteIRI root = building.storage->openFolder(cacheRoot)->getCanonicalLocation();
+    ToolboxCacheWriter writer(cacheFile, root);
+    for (const CachedEntry& live : building.cache.GetTopEntries())
+        if (live.entry->GetPathEntryType() == PathEntryType::mainFolder && root.isAncestorOf(live.entry->GetIRI()))
+            if (const auto entry = GetForWriting(live))
+                writer.Write(*entry);
+    writer.Close();
 }
 
-void PathEntryFactory::DropToolboxCache() {}
+/// What the folder of a kept entry holds now; null when it is gone.
+std::shared_ptr<const PathEntry> PathEntryFactory::GetForWriting(const CachedEntry& live) const {
+    const bool isLookedAt = live.level != FolderMonitoringLevel::none;
+    if (live.folderPresent && isLookedAt && !live.entry->IsOutOfDate())
+        return live.entry;
+    const CanonicalAbsoluteIRI location = live.entry->GetIRI();
+    try {
+        return EntryBuilder(building, UniformFolderMonitor(FolderMonitoringLevel::none), location)
+            .BuildUnrecorded(building.storage->openFolder(location));
+    } catch (const Tolvex::StorageError&) {
+        return nullptr;
+    }
+}
+
+void PathEntryFactory::DropToolboxCache() {
+    building.cache.DropCacheFile();
+}
 
 FolderMonitoringLevel PathEntryFactory::GetObservedLevel(const CanonicalAbsoluteIRI& location) const {
     const auto live = building.cache.Find(location);

@@ -28,7 +28,8 @@ public:
     [[nodiscard]] std::shared_ptr<const IPathEntry> CreatePathEntry(const Tolvex::AbsoluteIRI& location,
                                                                     const IFolderMonitor& monitor) const override;
     [[nodiscard]] Tolvex::ChangeReport GetChangesSince(Tolvex::ChangeToken token) const override;
-    void LoadToolboxCache(std::istream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot) override;
+    void LoadToolboxCache(std::istream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot,
+                          Tolvex::FileTime writtenAt) override;
     void WriteToolboxCache(std::ostream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot) const override;
     void DropToolboxCache() override;
     [[nodiscard]] FolderMonitoringLevel GetObservedLevel(const Tolvex::CanonicalAbsoluteIRI& location) const override;
@@ -42,7 +43,10 @@ public:
     static void PushChildEntryToCurrentPathEntry(PathEntryChildren& children, std::shared_ptr<const IPathEntry> child);
 
 private:
-    [[nodiscard]] std::shared_ptr<const PathEntry> FindUpToDate(const Tolvex::AbsoluteIRI& location) const;
+    [[nodiscard]] std::shared_ptr<const PathEntry> FindUpToDate(const Tolvex::AbsoluteIRI& location,
+                                                                const IFolderMonitor& monitor) const;
+    void StartWatching(const CachedEntry& live, const IFolderMonitor& monitor) const;
+    [[nodiscard]] std::shared_ptr<const PathEntry> GetForWriting(const CachedEntry& live) const;
     [[nodiscard]] std::shared_ptr<const PathEntry> CreateFromExistingFolder(const Tolvex::AbsoluteIRI& location,
                                                                             const IFolderMonitor& monitor) const;
     void UseOneEntryForOneFolder(PathEntryVector& entries) const;

@@ -18,11 +18,21 @@ struct ChangeMark {
     bool settled = false;
     /// False when there was no readable folder.
     bool present = false;
+    /// True for a mark that was not taken of the folder: see AsOf.
+    bool isOfTimeOnly = false;
+
+    /// A mark for what was known to be true of a folder at a moment, without a look at it. A folder that was changed
+    /// since then, or up to two seconds before (the coarsest stamps there are, FAT's), differs from it.
+    [[nodiscard]] static ChangeMark AsOf(FileTime moment) noexcept {
+        return {0, 0, moment - std::chrono::seconds(2), true, true, true};
+    }
 
     /// True when `later`, a mark taken of the same folder afterwards, proves that nothing changed in between.
     [[nodiscard]] bool ProvesUnchanged(const ChangeMark& later) const noexcept {
         if (!present || !later.present)
             return present == later.present;
+        if (isOfTimeOnly)
+            return later.changed < changed;
         return settled && device == later.device && inode == later.inode && changed == later.changed;
     }
 };

@@ -1,0 +1,116 @@
+#include "path_model/ToolboxCacheLoader.h"
+
+#include "path_model/EntryDescriptor.h"
+#include "path_model/PathEntryFactory.h"
+#include "path_utilities/PathEntryTypeRules.h"
+
+#include <algorithm>
+
+namespace PathManagement {
+
+namespace {
+
+constexpr std::uint32_t none = ToolboxCacheRecord::Folder::none;
+
+bool IsName(ustring_view name) {
+    return !name.empty() && name != u"." && name != u".." && name.find_first_of(ustring_view(u"/\0", 2)) == name.npos;
+}
+
+/// Whether a text is a chain of names with one "/" in between.
+bool IsRelativePath(ustring_view path) {
+    for (;;) {
+        const std::size_t separator = path.find(u'/');
+        if (!IsName(path.substr(0, separator)))
+            return false;
+        if (separator == ustring_view::npos)
+            return true;
+        path.remove_prefix(separator + 1);
+    }
+}
+
+} // namespace
+
+/// Where a folder of a record belongs.
+struct ToolboxCacheLoader::Place {
+    Location location;
+    PathEntryType type{};
+    std::size_t depth = 0;
+    bool isUsed = false;
+    std::uint32_t firstChild = none;
+    std::uint32_t nextSibling = none;
+    std::shared_ptr<const PathEntry> entry{};
+};
+
+ToolboxCacheLoader::ToolboxCacheLoader(const EntryBuilding& building, Location cacheRoot,
+                                       const Tolvex::PathComparator& comparator, Tolvex::FileTime writtenAt)
+    : building(building), cacheRoot(std::move(cacheRoot)), comparator(comparator),
+      mark(Tolvex::ChangeMark::AsOf(writtenAt)) {}
+
+void ToolboxCacheLoader::Add(const ToolboxCacheRecord& record) {
+    std::vector<Place> places = FindPlaces(record);
+    // Folders stand before those in them, so from the end on, children are made before parents.
+    for (std::size_t folder = places.size(); folder-- > 0;)
+        if (places[folder].isUsed)
+            places[folder].entry = MakeEntry(record, folder, places);
+}
+
+std::vector<ToolboxCacheLoader::Place> ToolboxCacheLoader::FindPlaces(const ToolboxCacheRecord& record) const {
+    std::vector<Place> places;
+    places.reserve(record.GetFolders().size());
+    for (const ToolboxCacheRecord::Folder& folder : record.GetFolders())
+        places.push_back(FindPlace(record, folder, places).value_or(Place()));
+    for (std::size_t folder = places.size(); folder-- > 1;) {
+        if (!places[folder].isUsed)
+            continue;
+        Place& parent = places[record.GetFolders()[folder].parent];
+        places[folder].nextSibling = std::exchange(parent.firstChild, static_cast<std::uint32_t>(folder));
+    }
+    return places;
+}
+
+std::optional<ToolboxCacheLoader::Place> ToolboxCacheLoader::FindPlace(const ToolboxCacheRecord& record,
+                                                                       const ToolboxCacheRecord::Folder& folder,
+                                                                       const std::vector<Place>& above) const {
+    const ustring_view name = record.GetName(folder);
+    if (folder.parent == none) {
+        if (!IsRelativePath(name))
+            return std::nullopt;
+        const ustring_view root = cacheRoot.getPath();
+        auto location = Location::fromCanonical(
+            {cacheRoot.getScheme(), ustring(root == u"/" ? ustring_view() : root).append(u"/").append(name)});
+        const PathEntryType type = GetPathEntryTypeFromLocation(location);
+        return Place{std::move(location), type, 0, true};
+    }
+    const Place& parent = above[folder.parent];
+    const ustring_view parentName = record.GetName(record.GetFolders()[folder.parent]);
+    if (!parent.isUsed || parent.depth + 1 >= EntryBuilder::maximumDepth || !name.starts_with(parentName) ||
+        name.size() <= parentName.size() || name[parentName.size()] != u'/')
+        return std::nullopt;
+    const ustring_view baseName = name.substr(parentName.size() + 1);
+    const PathEntryType type = GetPathEntryTypeFromBaseName(parent.location.getBaseName(), baseName);
+    const auto validTypes = PathEntryFactory::GetValidChildEntryTypesForEntryType(parent.type);
+    if (!IsName(baseName) || std::ranges::find(validTypes, type) == validTypes.end())
+        return std::nullopt;
+    return Place{parent.location.getChild(baseName), type, parent.depth + 1, true};
+}
+
+std::shared_ptr<const PathEntry> ToolboxCacheLoader::MakeEntry(const ToolboxCacheRecord& record, std::size_t folder,
+                                                               const std::vector<Place>& places) {
+    const Place& place = places[folder];
+    PathEntryChildren children;
+    for (std::uint32_t child = place.firstChild; child != none; child = places[child].nextSibling)
+        PathEntryFactory::PushChildEntryToCurrentPathEntry(children, places[child].entry);
+    fileNames.clear();
+    for (const ToolboxCacheRecord::File& file : record.GetFiles(record.GetFolders()[folder]))
+        fileNames.push_back(record.GetName(file));
+    made.reserve(made.size() + 1 > made.capacity() ? 2 * made.size() + 1 : 0); // an entry must not die here and now
+    auto entry = std::make_shared<const PathEntry>(
+        place.location, DescribeEntry(place.location, building.descriptors), place.type, std::move(children), fileNames,
+        comparator, building.observers.createObserver(place.location, mark, FolderMonitoringLevel::none),
+        building.eventManager);
+    made.push_back(
+        {entry, places.front().location, PathEntrySource::cacheFile, FolderMonitoringLevel::none, true, false});
+    return entry;
+}
+
+} // namespace PathManagement

@@ -55,9 +55,9 @@ public:
     /// What the observers of this factory's entries have seen since a token; asked once for all of them.
     [[nodiscard]] virtual Tolvex::ChangeReport GetChangesSince(Tolvex::ChangeToken token) const = 0;
 
-    /// Reads a path cache file: each top-level folder record becomes an entry below `cacheRoot`, made without asking the
-    /// disk about it and handed out from then on, until it is known to be out of date. `writtenAt` is the moment whose
-    /// state the file records; a folder that changed later is out of date at the first look. Throws
+    /// Reads a path cache file: each top-level folder record becomes an entry below `cacheRoot`, made without asking
+    /// the disk about it and handed out from then on, until it is known to be out of date. `writtenAt` is the moment
+    /// whose state the file records; a folder that changed later is out of date at the first look. Throws
     /// ToolboxCacheWrongFormatException, and nothing of the file is used; Tolvex::StorageError when the root cannot be
     /// opened.
     virtual void LoadToolboxCache(std::istream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot,

@@ -1,6 +1,8 @@
 #include "PathWorld.h"
 
 #include "path_model/Path.h"
+#include "path_utilities/DeduplicatedPath.h"
+#include "path_utilities/MultiMaskedPath.h"
 
 #include <gtest/gtest.h>
 
@@ -121,10 +123,23 @@ TEST_F(PathCost, LookUpsAllocateNothing) {
     }
 }
 
+TEST_F(PathCost, LookUpsThroughViewsAllocateNothing) {
+    const auto other = world.PathOf({entries[7]});
+    path = std::make_shared<const DeduplicatedPath>(std::vector{other, path});
+    path = std::make_shared<const MultiMaskedPath>(path, PathEntryVector());
+    const std::size_t before = allocations;
+    const std::size_t hits = CountFound(u"", FilenameMatchingPolicy::ignoreCase);
+    const std::size_t absent = CountFound(u"_not_there", FilenameMatchingPolicy::ignoreCase);
+    EXPECT_EQ(allocations - before, 0u);
+    EXPECT_EQ(hits, static_cast<std::size_t>(folders));
+    EXPECT_EQ(absent, 0u);
+}
+
 TEST_F(PathCost, ThreadsCountTheirAnswersApart) {
     const SearchTarget target(names[50], extensions);
     const auto& mainEntry = path->GetMainEntries()->at(50);
     const auto find = [&] { return path->FindFirstInScope(SearchScope::All(), target, FilenameMatchingPolicy::exact); };
+    world.queue->WaitUntilIdle(); // dropped paths let go of their handles there
     const long alone = mainEntry.use_count();
     const auto mine = find();
     EXPECT_EQ(mainEntry.use_count(), alone + 1) << "an answer is one counted handle";

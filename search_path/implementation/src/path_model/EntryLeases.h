@@ -1,7 +1,7 @@
 #pragma once
 
 #include "path_interfaces/IPathEntry.h"
-#include "path_model/PublishOnce.h"
+#include "path_utilities/PublishOnce.h"
 
 #include <array>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "path_model/EntryLeases.h"
 #include "path_model/PathLayer.h"
-#include "path_model/PublishOnce.h"
+#include "path_utilities/PublishOnce.h"
 
 #include <algorithm>
 #include <memory>

@@ -4,8 +4,8 @@
 #include "foundation/events/EventMgr.h"
 #include "foundation/observers/IFileFolderObserver.h"
 #include "path_interfaces/IPathEntry.h"
-#include "path_model/PublishOnce.h"
 #include "path_utilities/PathItemBlock.h"
+#include "path_utilities/PublishOnce.h"
 
 #include <array>
 #include <memory>

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "path_interfaces/IPath.h"
+#include "path_utilities/PublishOnce.h"
+
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+namespace PathManagement {
+
+/// A path without some of its entries. Hidden are the folders of the listed entries, whatever objects stand for them,
+/// and everything that lies below them on the path. A look-up is one in the path, and one more for each entry above the
+/// answer; with nothing listed it is one in the path.
+class KX_EXPORT MultiMaskedPath final : public IPath {
+public:
+    /// REQUIRES: neither the path nor an entry is null.
+    MultiMaskedPath(std::shared_ptr<const IPath> path, std::vector<std::shared_ptr<const IPathEntry>> hiddenEntries);
+    ~MultiMaskedPath() override;
+    MultiMaskedPath(const MultiMaskedPath&) = delete;
+    MultiMaskedPath& operator=(const MultiMaskedPath&) = delete;
+
+    /// Made when first asked for, once.
+    [[nodiscard]] std::shared_ptr<const PathEntryVector> GetMainEntries() const override;
+    [[nodiscard]] PathEntryVector GetMethodEntries() const override;
+    [[nodiscard]] PathEntryVector GetMethodEntriesByName(SearchScope scope, const ustring& className) const override;
+    [[nodiscard]] PathEntryVector GetPartiallyMatchingEntries(SearchScope scope,
+                                                              const ustring& partialPath) const override;
+    [[nodiscard]] std::shared_ptr<const IPathEntry> GetMainEntryForEntry(const IPathEntry& entry) const override;
+    [[nodiscard]] std::shared_ptr<const IPathEntry> GetParentEntryForEntry(const IPathEntry& entry) const override;
+    [[nodiscard]] std::shared_ptr<const IPathEntry>
+    GetPathEntryFromAbsoluteIRI(const Tolvex::CanonicalAbsoluteIRI& location) const override;
+    [[nodiscard]] std::shared_ptr<const IPathEntry>
+    GetPathEntryFromAbsoluteIRI(const Tolvex::AbsoluteIRI& location, FilenameMatchingPolicy policy) const override;
+    [[nodiscard]] std::optional<FoundItem> FindFirstInScope(SearchScope scope, const SearchTarget& target,
+                                                            FilenameMatchingPolicy policy) const override;
+    [[nodiscard]] std::vector<FoundItem> FindAllInScope(SearchScope scope, const SearchTarget& target,
+                                                        FilenameMatchingPolicy policy) const override;
+    bool ForEachEntry(SearchScope scope, const PathEntryCallback& callback) const override;
+    bool ConcurrentForEachEntry(SearchScope scope, const PathEntryCallback& callback) const override;
+    [[nodiscard]] bool FirstEntryIsBeforeSecondOnPath(const IPathEntry& first, const IPathEntry& second) const override;
+    [[nodiscard]] bool IsEntryOnPath(const IPathEntry& entry) const override;
+
+private:
+    [[nodiscard]] bool IsHidden(const IPathEntry& entry) const;
+    [[nodiscard]] std::shared_ptr<const IPathEntry> UnlessHidden(std::shared_ptr<const IPathEntry> entry) const;
+    [[nodiscard]] PathEntryVector WithoutHidden(PathEntryVector entries) const;
+
+    std::shared_ptr<const IPath> path;
+    std::unordered_set<Tolvex::AbsoluteIRI, Tolvex::IRIHash> hidden;
+    PublishOnce<std::shared_ptr<const PathEntryVector>> mainEntries;
+};
+
+} // namespace PathManagement

@@ -126,6 +126,12 @@ private:
     }
 
     void Match(std::string_view expected) {
+        if (cursor.GetAvailable().starts_with(expected))
+            return cursor.Take(expected.size());
+        MatchInPieces(expected);
+    }
+
+    void MatchInPieces(std::string_view expected) {
         for (std::size_t matched = 0; matched < expected.size();) {
             const std::string_view wanted = expected.substr(matched);
             const std::string_view available = GetAvailable(expected);
@@ -146,10 +152,14 @@ private:
     std::string_view GetAvailable(std::string_view expected) {
         const std::string_view available = cursor.GetAvailable();
         if (available.empty())
-            throw ToolboxCacheWrongFormatException("The path cache file ends after byte " +
-                                                   std::to_string(cursor.GetPosition()) + ", where " +
-                                                   std::string(expected) + " was expected.");
+            RefuseEnd(expected);
         return available;
+    }
+
+    [[noreturn]] void RefuseEnd(std::string_view expected) const {
+        throw ToolboxCacheWrongFormatException("The path cache file ends after byte " +
+                                               std::to_string(cursor.GetPosition()) + ", where " +
+                                               std::string(expected) + " was expected.");
     }
 
     [[noreturn]] void Refuse(std::string_view expected) const {

@@ -32,8 +32,9 @@ Path Resolve(const Path& file) {
 /// A name beside the file that nobody else uses.
 Path NameTemporary(const Path& file) {
     static std::atomic<unsigned> made = 0;
-    const auto suffix = "." + std::to_string(::getpid()) + "." + std::to_string(made++) + ".new";
-    return file.parent_path() / ("." + file.filename().native() + suffix);
+    std::string name(1, '.');
+    name.append(file.filename().native()).append(1, '.').append(std::to_string(::getpid()));
+    return file.parent_path() / name.append(1, '.').append(std::to_string(made++)).append(".new");
 }
 
 /// Reads from the beginning of a file that stays open for as long as the stream.

@@ -8,6 +8,7 @@
 namespace TolvexPath {
 
 // One line for each command here and one in CreateCommands; the rest of a command stays in its own source.
+[[nodiscard]] std::unique_ptr<ICommand> CreateCacheCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateEntryCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateFindCommand();
 

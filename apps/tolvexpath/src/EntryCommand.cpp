@@ -1,3 +1,4 @@
+#include "CacheArguments.h"
 #include "Commands.h"
 #include "EntryJson.h"
 #include "EntryTree.h"
@@ -41,6 +42,7 @@ private:
     void DrawTrees(Output& output, const PathEntryVector& entries) const;
 
     FolderArguments folders;
+    CacheArguments cache;
     bool asJson = false;
     bool withFiles = false;
 };
@@ -62,10 +64,12 @@ void EntryCommand::DeclareArguments(CLI::App& arguments) {
         ->allow_extra_args(false);
     CLI::Option* const files = arguments.add_flag("-f,--files", withFiles, "List the files, too");
     arguments.add_flag("--json", asJson, "Write one JSON array with an object for each folder")->excludes(files);
+    cache.DeclareOptions(arguments);
     arguments.footer(help);
 }
 
 ExitCode EntryCommand::Run() {
+    cache.Load();
     PathEntryVector entries = CreateEntries(folders.GetLocations());
     const bool isComplete = std::erase(entries, nullptr) == 0;
     Output output;

@@ -1,3 +1,4 @@
+#include "CacheArguments.h"
 #include "Commands.h"
 #include "Conversation.h"
 #include "Finder.h"
@@ -62,6 +63,7 @@ private:
     void Write(Output& output, std::span<const FoundItem> files) const;
 
     FolderArguments folders;
+    CacheArguments cache;
     SearchOptions search;
     std::optional<std::string> name;    // as bytes
     std::optional<std::string> queries; // a file's name
@@ -72,6 +74,7 @@ private:
 void FindCommand::DeclareArguments(CLI::App& arguments) {
     CLI::Option* const nameOption = arguments.add_option("NAME", name, "What to look for")->type_name("");
     folders.DeclareOptions(arguments);
+    cache.DeclareOptions(arguments);
     search.DeclareOptions(arguments);
     CLI::Option* const json = arguments.add_flag("--json", asJson, "Write a JSON array");
     CLI::Option* const zero =
@@ -101,6 +104,7 @@ ExitCode FindCommand::Run() {
 
 Finder FindCommand::MakeFinder() const {
     SearchDefaults defaults = search.GetDefaults();
+    cache.Load();
     auto entries = std::make_shared<PathEntryVector>(CreateEntries(folders.GetLocations()));
     std::erase(*entries, nullptr);
     return {PathManagement::GetCurrentPathFactory().CreatePath(std::move(entries), nullptr), std::move(defaults)};

@@ -38,6 +38,15 @@ void DeclareRepeated(CLI::App& arguments, const char* name, const char* descript
         ->trigger_on_parse();
 }
 
+void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::string& fileName) {
+    LineReader lines{InputFile(fileName)};
+    while (const auto line = lines.Next())
+        if (!line->empty())
+            locations.push_back(MakeLocation(*line));
+}
+
+} // namespace
+
 AbsoluteIRI MakeLocation(std::string_view folder) {
     if (folder.empty())
         throw UsageError("a folder's name is empty");
@@ -48,15 +57,6 @@ AbsoluteIRI MakeLocation(std::string_view folder) {
         return AbsoluteIRI("file", path);
     return AbsoluteIRI("file", Tolvex::ustring(Tolvex::GetCurrentWorkingFolder().get().getPath()) + u'/' + path);
 }
-
-void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::string& fileName) {
-    LineReader lines{InputFile(fileName)};
-    while (const auto line = lines.Next())
-        if (!line->empty())
-            locations.push_back(MakeLocation(*line));
-}
-
-} // namespace
 
 void FolderArguments::DeclareOptions(CLI::App& arguments) {
     DeclareRepeated(arguments, "-p,--path", "A folder of the path; repeat it for more, in path order", "FOLDER",

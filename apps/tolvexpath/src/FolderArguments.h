@@ -40,6 +40,10 @@ private:
     std::vector<Source> sources;
 };
 
+/// The location that a person names, as bytes, absolute or relative to the working folder. Throws UsageError for a text
+/// that no name can be.
+[[nodiscard]] Tolvex::AbsoluteIRI MakeLocation(std::string_view folder);
+
 /// Has the entries of all locations made, with progress on a terminal. One place for each location; null where the
 /// folder cannot be read, for which a message is written.
 [[nodiscard]] PathManagement::PathEntryVector CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& locations);

@@ -93,6 +93,12 @@ void JsonWriter::Number(std::uint64_t number) {
     needsComma = true;
 }
 
+void JsonWriter::Boolean(bool value) {
+    Separate();
+    output.Write(value ? "true" : "false");
+    needsComma = true;
+}
+
 void JsonWriter::Null() {
     Separate();
     output.Write("null");

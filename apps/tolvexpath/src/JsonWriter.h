@@ -25,6 +25,7 @@ public:
 
     void String(Tolvex::ustring_view text);
     void Number(std::uint64_t number);
+    void Boolean(bool value);
     void Null();
 
 private:

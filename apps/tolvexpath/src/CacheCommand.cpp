@@ -1,0 +1,119 @@
+#include "CacheReport.h"
+#include "Commands.h"
+#include "FolderArguments.h"
+#include "JsonWriter.h"
+#include "Messages.h"
+#include "Output.h"
+
+#include "path_utilities/ToolboxCacheFile.h"
+#include "path_utilities/ToolboxCacheReader.h"
+#include "search_path/Accessors.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <fstream>
+#include <system_error>
+
+namespace TolvexPath {
+
+using PathManagement::PathEntryVector;
+
+namespace {
+
+constexpr const char* help = R"(A path cache file records what the folders below one root hold, so that a program
+can start without listing them. 'find' and 'entry' use one with --cache and --root.
+
+Examples:
+  tolvexpath cache write toolboxes --path-file toolboxes/path.txt -o toolboxes.cache
+  tolvexpath cache check toolboxes.cache
+  tolvexpath cache show toolboxes.cache --json
+  tolvexpath find area --path-file toolboxes/path.txt --cache toolboxes.cache --root toolboxes
+
+Exit status: 0 written, or whole; 1 the file is not whole, or a folder was left out;
+2 wrong use, not saved, or not to be read.)";
+
+class CacheCommand final : public ICommand {
+public:
+    [[nodiscard]] std::string GetName() const override { return "cache"; }
+    [[nodiscard]] std::string GetSummary() const override { return "Write, check or show a path cache file"; }
+    void DeclareArguments(CLI::App& arguments) override;
+    [[nodiscard]] ExitCode Run() override;
+
+private:
+    void DeclareFile(CLI::App& arguments);
+    [[nodiscard]] ExitCode Write() const;
+    [[nodiscard]] ExitCode Read() const;
+
+    CLI::App* write = nullptr;
+    CLI::App* show = nullptr;
+    FolderArguments folders;
+    std::string root;
+    std::string file;
+    bool asJson = false;
+};
+
+void CacheCommand::DeclareArguments(CLI::App& arguments) {
+    arguments.require_subcommand(1);
+    write = arguments.add_subcommand("write", "Record folders of a path that lie below a root");
+    write->add_option("ROOT", root, "The folder that the recorded names are relative to")->type_name("")->required();
+    folders.DeclareOptions(*write);
+    write->add_option("-o,--output", file, "The file to write; an old one is replaced whole or stays")
+        ->type_name("FILE")
+        ->required();
+    DeclareFile(*arguments.add_subcommand("check", "Tell whether a file is whole"));
+    show = arguments.add_subcommand("show", "Show what a file records, up to the first error");
+    DeclareFile(*show);
+    arguments.footer(help);
+}
+
+void CacheCommand::DeclareFile(CLI::App& arguments) {
+    arguments.add_option("FILE", file, "The path cache file")->type_name("")->required();
+    arguments.add_flag("--json", asJson, "Write one JSON object");
+}
+
+ExitCode CacheCommand::Run() {
+    return write->parsed() ? Write() : Read();
+}
+
+ExitCode CacheCommand::Write() const {
+    const Tolvex::CanonicalAbsoluteIRI cacheRoot(MakeLocation(root), {});
+    const PathEntryVector entries = CreateEntries(folders.GetLocations());
+    std::size_t leftOut = 0;
+    for (const auto& entry : entries) {
+        const bool isRecorded = entry && cacheRoot.isAncestorOf(entry->GetIRI()) &&
+                                entry->GetPathEntryType() == PathManagement::PathEntryType::mainFolder;
+        leftOut += !isRecorded;
+        if (entry && !isRecorded)
+            PrintMessage(fmt::format("'{}' is left out: only main folders below '{}' are recorded",
+                                     Tolvex::ToUtf8(entry->GetIRI().getPath()), Tolvex::ToUtf8(cacheRoot.getPath())));
+    }
+    PathManagement::WriteToolboxPathCache(PathManagement::GetPathEntryFactory(), cacheRoot, file);
+    return leftOut == 0 ? ExitCode::success : ExitCode::notFound;
+}
+
+ExitCode CacheCommand::Read() const {
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream)
+        throw std::system_error(errno, std::generic_category(), "cannot open '" + file + "'");
+    Output output;
+    const std::unique_ptr<CacheReport> report = CreateCacheReport(output, show->parsed(), asJson);
+    std::string message;
+    try {
+        PathManagement::ReadToolboxCache(stream, [&](const auto& record) { report->Add(*record); });
+    } catch (const PathManagement::ToolboxCacheWrongFormatException& refusal) {
+        message = refusal.what();
+    }
+    report->Finish(message);
+    output.Flush();
+    return message.empty() ? ExitCode::success : ExitCode::notFound;
+}
+
+} // namespace
+
+std::unique_ptr<ICommand> CreateCacheCommand() {
+    return std::make_unique<CacheCommand>();
+}
+
+} // namespace TolvexPath

@@ -1,0 +1,130 @@
+"""Path cache files: written, checked, shown, and used instead of listing folders."""
+
+import os
+import shutil
+import signal
+import subprocess
+import unittest
+
+import program
+from program import FAILURE, FOUND, NOT_FOUND, FolderTest, run
+
+NASTY = [b"lib/two\nlines.kx", b"lib/tab\t& <x>.kx", b"lib/\xff\xfe.kx", "lib/größe.kx".encode(), b"lib/.hidden", b"lib/noext"]
+
+
+class CacheCommandTest(FolderTest):
+    def setUp(self):
+        super().setUp()
+        self.make("lib/a.kx", "lib/n.kxa", "lib/+pkg/@cls/m.kx", "lib/private/p.kx", "other/o.kx", *NASTY)
+        self.folders = ["-p", "lib", "-p", "other"]
+
+    def write(self, *arguments):
+        return self.run_here("cache", "write", ".", *self.folders, "-o", "cache", *arguments)
+
+    def test_what_is_written_is_whole_and_says_what_the_disk_says(self):
+        self.assertEqual(FOUND, self.write().code)
+        self.assertEqual({"ok": True, "folders": 2, "message": ""}, self.run_here("cache", "check", "cache", "--json").json)
+        self.assertEqual(b"whole, 2 top-level folders\n", self.run_here("cache", "check", "cache").out)
+        shown = self.run_here("cache", "show", "cache", "--json").json
+        self.assertTrue(shown["ok"])
+        lib, other = shown["folders"]
+        self.assertEqual({"name": "other", "folders": [], "files": [{"kind": "C", "name": "o.kx"}]}, other)
+        self.assertEqual(["lib/+pkg", "lib/private"], [folder["name"] for folder in lib["folders"]])
+        self.assertEqual("lib/+pkg/@cls", lib["folders"][0]["folders"][0]["name"])
+        self.assertIn({"kind": "N", "name": "n.kxa"}, lib["files"])
+        self.assertIn({"kind": "U", "name": "noext"}, lib["files"])
+        self.assertEqual(3 + len(NASTY) - 1, len(lib["files"]))
+        self.assertIn(b"lib/+pkg/@cls\n  C m.kx\n", self.run_here("cache", "show", "cache").out)
+
+    def test_answers_from_the_file_are_those_from_the_disk(self):
+        self.write()
+        cache = ["--cache", "cache", "--root", "."]
+        for name in ["a", "n", "p", "m", "größe", "two\nlines", "absent"]:
+            arguments = ["find", name, "--scope", "all", "--all", *self.folders]
+            self.assertEqual(self.run_here(*arguments).out, self.run_here(*arguments, *cache).out)
+        self.assertEqual(self.run_here("entry", "--json", "lib", "other").json,
+                         self.run_here("entry", "--json", "lib", "other", *cache).json)
+        # What the file says counts, not what the disk says now.
+        os.rename(self.path("lib/a.kx"), self.path("lib/b.kx"))
+        self.assert_files(self.run_here("find", "a", *self.folders, *cache), "lib/a.kx")
+
+    def test_a_file_that_cannot_be_used_costs_no_answer(self):
+        self.write()
+        with open(self.path("cache"), "r+b") as cache:
+            cache.truncate(os.path.getsize(self.path("cache")) - 5)
+        result = self.run_here("find", "a", *self.folders, "--cache", "cache", "--root", ".")
+        self.assert_files(result, "lib/a.kx")
+        self.assertEqual(1, result.err.count("the cache is not used"))
+        for cache in ["missing", "lib"]:
+            result = self.run_here("find", "a", *self.folders, "--cache", cache, "--root", ".")
+            self.assert_files(result, "lib/a.kx")
+            self.assertIn(cache, result.err)
+
+    def test_check_and_show_say_where_a_file_is_broken(self):
+        self.write()
+        with open(self.path("cache"), "rb") as cache:
+            whole = cache.read()
+        with open(self.path("broken"), "wb") as broken:
+            broken.write(whole[:whole.index(b"other") + 20])
+        check = self.run_here("cache", "check", "broken", "--json")
+        self.assertEqual(NOT_FOUND, check.code)
+        self.assertEqual((False, 1), (check.json["ok"], check.json["folders"]))
+        self.assertIn("byte", check.json["message"])
+        shown = self.run_here("cache", "show", "broken", "--json")
+        self.assertEqual((NOT_FOUND, False, ["lib"]),
+                         (shown.code, shown.json["ok"], [folder["name"] for folder in shown.json["folders"]]))
+        self.assertEqual(NOT_FOUND, self.run_here("cache", "check", "broken").code)
+        self.assertEqual(FAILURE, self.run_here("cache", "check", "missing").code)
+
+    def test_refusals_name_the_thing_and_keep_the_old_file(self):
+        self.write()
+        with open(self.path("cache"), "rb") as cache:
+            old = cache.read()
+        self.make('lib/say "hi".kx')
+        refused = self.write()
+        self.assertEqual(FAILURE, refused.code)
+        self.assertIn("lib", refused.err)
+        self.assertIn("double quote", refused.err)
+        with open(self.path("cache"), "rb") as cache:
+            self.assertEqual(old, cache.read())
+        os.remove(self.path('lib/say "hi".kx'))
+        outside = self.run_here("cache", "write", "lib", *self.folders, "-o", "cache")
+        self.assertEqual(NOT_FOUND, outside.code)
+        self.assertIn("other", outside.err)
+        for arguments in [["cache"], ["cache", "write", "."], ["cache", "write", "-p", "lib", "-o", "x"], ["cache", "show"],
+                          ["find", "a", "-p", "lib", "--cache", "cache"], ["find", "a", "-p", "lib", "--root", "."]]:
+            with self.subTest(arguments):
+                self.assertEqual(FAILURE, self.run_here(*arguments).code)
+
+    def test_a_writer_killed_at_any_moment_leaves_a_whole_file(self):
+        self.write()
+        for number in range(300):
+            writer = subprocess.Popen([program.PROGRAM, "cache", "write", ".", *self.folders, "-o", "cache"],
+                                      cwd=self.root, stderr=subprocess.DEVNULL)
+            # A moment that comes a little later each time, counted in turns of this loop instead of seconds.
+            for _ in range(number * 40):
+                if writer.poll() is not None:
+                    break
+            writer.send_signal(signal.SIGKILL)
+            writer.wait()
+            if number % 10 == 9:
+                self.assertTrue(self.run_here("cache", "check", "cache", "--json").json["ok"], number)
+        self.assertEqual(FOUND, self.write().code)
+
+    @unittest.skipUnless(shutil.which("strace"), "strace is not installed")
+    def test_no_folder_is_listed_or_looked_at(self):
+        self.write()
+        trace = ["strace", "-f", "-o", self.path("trace"), "-e", "trace=getdents64,openat2,statx"]
+        if subprocess.run([*trace, "true"], check=False).returncode != 0:
+            self.skipTest("nothing can be traced here")
+        subprocess.run([*trace, program.PROGRAM, "find", "p", "--scope", "all", "-p", self.path("lib"), "-p", self.path("other"),
+                        "--cache", self.path("cache"), "--root", self.root], check=True, stdout=subprocess.DEVNULL,
+                       env=program.environment(ASAN_OPTIONS="detect_leaks=0"))
+        with open(self.path("trace"), "rb") as lines:
+            calls = [line for line in lines if b"ENOENT" not in line and b"+++" not in line and b"---" not in line]
+        self.assertEqual([], [line for line in calls if b"getdents64" in line])
+        self.assertEqual([], [line for line in calls if b"/lib\"" in line or b"/other\"" in line])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -18,6 +18,8 @@ public:
     FoundItem(std::shared_ptr<const IPathEntry> entry, std::shared_ptr<const PathItem> item) noexcept
         : entry(std::move(entry)), item(item.get()), owner(std::move(item)) {}
 
+    /// Keeps the entry alive. A weak handle made from it may expire with the path that answered, though the entry lives
+    /// on in others.
     [[nodiscard]] const std::shared_ptr<const IPathEntry>& GetEntry() const noexcept { return entry; }
 
     /// Valid as long as this object or a handle of the item lives.

@@ -170,7 +170,7 @@ TEST(ToolboxCacheReader, EveryFlippedByteIsRefusedOrStaysInItsName) {
 
 TEST(ToolboxCacheReader, TakesNothingBehindTheEndFromAnyStream) {
     const std::string behind = "what somebody else put there";
-    for (const std::size_t piece : {0, 1, 2, 3, 7, 64, 100000}) {
+    for (const std::size_t piece : {0u, 1u, 2u, 3u, 7u, 64u, 100000u}) {
         SlowBuffer buffer(sample.substr(0, sample.size() - 1) + behind, piece);
         std::istream stream(&buffer);
         const Reading reading = Read(stream);

@@ -82,7 +82,8 @@ class PathItemBlock::Builder {
 public:
     explicit Builder(std::span<const ustring_view> fileNames) {
         TakeApart(fileNames);
-        std::sort(drafts.begin(), drafts.end(), IsBefore);
+        if (!std::is_sorted(drafts.begin(), drafts.end(), IsBefore)) // names from a cache file are
+            std::sort(drafts.begin(), drafts.end(), IsBefore);
         textLength = MeasureTexts();
     }
 

@@ -17,30 +17,38 @@ constexpr bool IsWhiteSpace(char character) noexcept {
 
 } // namespace
 
-/// Goes through the file once. Open folders are known by their index in the record, so that depth costs no stack.
-class ToolboxCacheReader {
+/// Open folders are known by their index in the record, so that depth costs no stack.
+class ToolboxCacheReader::Parser {
 public:
-    explicit ToolboxCacheReader(std::istream& cacheFile) : cursor(cacheFile) { unfinishedName.reserve(ordinaryName); }
+    explicit Parser(std::istream& cacheFile) : cursor(cacheFile) { unfinishedName.reserve(ordinaryName); }
 
-    void Read(const std::function<void(std::shared_ptr<const ToolboxCacheRecord>)>& deliver) {
-        SkipWhiteSpace();
-        Match(rootElement);
-        while (Next() != '>') {
+    std::shared_ptr<const ToolboxCacheRecord> Next() {
+        if (isAtEnd)
+            return nullptr;
+        if (cursor.GetPosition() == 0)
+            ReadRootStart();
+        const char element = ReadElementStart();
+        if (element == '/') {
+            Match("Harrowfen>");
+            isAtEnd = true;
+            return nullptr;
         }
-        for (;;) {
-            const char element = ReadElementStart();
-            if (element == '/')
-                return Match("Harrowfen>");
-            if (element != 'D')
-                Refuse("\"D\" or \"/\"");
-            deliver(ReadTopLevelFolder());
-        }
+        if (element != 'D')
+            Refuse("\"D\" or \"/\"");
+        return ReadTopLevelFolder();
     }
 
 private:
     using Folder = ToolboxCacheRecord::Folder;
 
     static constexpr std::size_t ordinaryName = 1300;
+
+    void ReadRootStart() {
+        SkipWhiteSpace();
+        Match(rootElement);
+        while (ReadCharacter() != '>') {
+        }
+    }
 
     std::shared_ptr<const ToolboxCacheRecord> ReadTopLevelFolder() {
         auto record = std::make_shared<ToolboxCacheRecord>();
@@ -110,7 +118,7 @@ private:
     char ReadElementStart() {
         SkipWhiteSpace();
         Match("<");
-        return Next();
+        return ReadCharacter();
     }
 
     void SkipWhiteSpace() {
@@ -143,7 +151,7 @@ private:
         }
     }
 
-    char Next() {
+    char ReadCharacter() {
         const char character = GetAvailable("more").front();
         cursor.Take(1);
         return character;
@@ -176,12 +184,23 @@ private:
     }
 
     StreamCursor cursor;
+    bool isAtEnd = false;
     std::string unfinishedName; // the beginning of a name that the stream's buffer does not hold whole
 };
 
+ToolboxCacheReader::ToolboxCacheReader(std::istream& cacheFile) : parser(std::make_unique<Parser>(cacheFile)) {}
+
+ToolboxCacheReader::~ToolboxCacheReader() = default;
+
+std::shared_ptr<const ToolboxCacheRecord> ToolboxCacheReader::Next() {
+    return parser->Next();
+}
+
 void ReadToolboxCache(std::istream& cacheFile,
                       const std::function<void(std::shared_ptr<const ToolboxCacheRecord>)>& deliver) {
-    ToolboxCacheReader(cacheFile).Read(deliver);
+    ToolboxCacheReader reader(cacheFile);
+    while (auto record = reader.Next())
+        deliver(std::move(record));
 }
 
 } // namespace PathManagement

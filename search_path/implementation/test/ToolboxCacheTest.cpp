@@ -212,8 +212,8 @@ class ToolboxCacheOnDisk : public testing::Test {
 protected:
     ToolboxCacheOnDisk() {
         std::filesystem::create_directories(root / "lib/+p");
-        for (const auto* file : {"lib/a.kx", "lib/+p/b.kx"})
-            std::ofstream(root / file).put('\n');
+        for (const auto* name : {"lib/a.kx", "lib/+p/b.kx"})
+            std::ofstream(root / name).put('\n');
         entry = MakeEntry("lib");
     }
     ~ToolboxCacheOnDisk() override {

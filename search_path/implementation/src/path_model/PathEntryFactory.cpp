@@ -3,7 +3,6 @@
 #include "foundation/diagnostics/Terminate.h"
 #include "path_interfaces/events/PathEntryWillBeDestroyedEvent.h"
 #include "path_model/ToolboxCacheLoader.h"
-#include "path_utilities/ToolboxCacheReader.h"
 #include "path_utilities/ToolboxCacheWriter.h"
 #include "path_utilities/UniformFolderMonitor.h"
 
@@ -153,8 +152,7 @@ void PathEntryFactory::LoadToolboxCache(std::istream& cacheFile, const AbsoluteI
     ToolboxCacheLoader loader(building, root->getCanonicalLocation(), root->getPathComparator(), writtenAt);
     {
         const auto lock = building.cache.LockShared();
-        ReadToolboxCache(cacheFile,
-                         [&](const std::shared_ptr<const ToolboxCacheRecord>& record) { loader.Add(*record); });
+        loader.Load(cacheFile);
     }
     building.cache.AddFromCacheFile(loader.GetEntries());
     building.entriesBuilt += loader.GetEntries().size();

@@ -3,6 +3,10 @@
 #include "path_model/EntryDescriptor.h"
 #include "path_model/PathEntryFactory.h"
 #include "path_utilities/PathEntryTypeRules.h"
+#include "path_utilities/ToolboxCacheReader.h"
+
+#include <tbb/parallel_pipeline.h>
+#include <tbb/task_arena.h>
 
 #include <algorithm>
 
@@ -11,6 +15,9 @@ namespace PathManagement {
 namespace {
 
 constexpr std::uint32_t none = ToolboxCacheRecord::Folder::none;
+
+/// So many records are read and not made into entries yet, at most.
+constexpr std::size_t recordsInWork = 32;
 
 bool IsName(ustring_view name) {
     return !name.empty() && name != u"." && name != u".." && name.find_first_of(ustring_view(u"/\0", 2)) == name.npos;
@@ -46,12 +53,46 @@ ToolboxCacheLoader::ToolboxCacheLoader(const EntryBuilding& building, Location c
     : building(building), cacheRoot(std::move(cacheRoot)), comparator(comparator),
       mark(Tolvex::ChangeMark::AsOf(writtenAt)) {}
 
-void ToolboxCacheLoader::Add(const ToolboxCacheRecord& record) {
+void ToolboxCacheLoader::Load(std::istream& cacheFile) {
+    ToolboxCacheReader reader(cacheFile);
+    using Record = std::shared_ptr<const ToolboxCacheRecord>;
+    const auto read = [&reader](tbb::flow_control& flow) {
+        Record record = reader.Next();
+        if (!record)
+            flow.stop();
+        return record;
+    };
+    const auto make = [this](const Record& record) { MakeEntries(*record); };
+    // Whoever waits here must not be given other work, which might want the lock that is held meanwhile.
+    tbb::this_task_arena::isolate([&] {
+        tbb::parallel_pipeline(recordsInWork, tbb::make_filter<void, Record>(tbb::filter_mode::serial_in_order, read) &
+                                                  tbb::make_filter<Record, void>(tbb::filter_mode::parallel, make));
+    });
+}
+
+void ToolboxCacheLoader::MakeEntries(const ToolboxCacheRecord& record) {
     std::vector<Place> places = FindPlaces(record);
-    // Folders stand before those in them, so from the end on, children are made before parents.
-    for (std::size_t folder = places.size(); folder-- > 0;)
-        if (places[folder].isUsed)
-            places[folder].entry = MakeEntry(record, folder, places);
+    std::vector<ustring_view> fileNames;
+    std::vector<CachedEntry> entries;
+    entries.reserve(places.size());
+    try {
+        // Folders stand before those in them, so from the end on, children are made before parents.
+        for (std::size_t folder = places.size(); folder-- > 0;)
+            if (places[folder].isUsed) {
+                places[folder].entry = MakeEntry(record, folder, places, fileNames);
+                entries.push_back({places[folder].entry, places.front().location, PathEntrySource::cacheFile,
+                                   FolderMonitoringLevel::none, true, false});
+            }
+    } catch (...) {
+        Keep(entries);
+        throw;
+    }
+    Keep(entries);
+}
+
+void ToolboxCacheLoader::Keep(std::vector<CachedEntry>& entries) {
+    const std::scoped_lock lock(mutex);
+    made.insert(made.end(), std::move_iterator(entries.begin()), std::move_iterator(entries.end()));
 }
 
 std::vector<ToolboxCacheLoader::Place> ToolboxCacheLoader::FindPlaces(const ToolboxCacheRecord& record) const {
@@ -95,7 +136,8 @@ std::optional<ToolboxCacheLoader::Place> ToolboxCacheLoader::FindPlace(const Too
 }
 
 std::shared_ptr<const PathEntry> ToolboxCacheLoader::MakeEntry(const ToolboxCacheRecord& record, std::size_t folder,
-                                                               const std::vector<Place>& places) {
+                                                               const std::vector<Place>& places,
+                                                               std::vector<ustring_view>& fileNames) const {
     const Place& place = places[folder];
     PathEntryChildren children;
     for (std::uint32_t child = place.firstChild; child != none; child = places[child].nextSibling)
@@ -103,14 +145,10 @@ std::shared_ptr<const PathEntry> ToolboxCacheLoader::MakeEntry(const ToolboxCach
     fileNames.clear();
     for (const ToolboxCacheRecord::File& file : record.GetFiles(record.GetFolders()[folder]))
         fileNames.push_back(record.GetName(file));
-    made.reserve(made.size() + 1 > made.capacity() ? 2 * made.size() + 1 : 0); // an entry must not die here and now
-    auto entry = std::make_shared<const PathEntry>(
+    return std::make_shared<const PathEntry>(
         place.location, DescribeEntry(place.location, building.descriptors), place.type, std::move(children), fileNames,
         comparator, building.observers.createObserver(place.location, mark, FolderMonitoringLevel::none),
         building.eventManager);
-    made.push_back(
-        {entry, places.front().location, PathEntrySource::cacheFile, FolderMonitoringLevel::none, true, false});
-    return entry;
 }
 
 } // namespace PathManagement

@@ -3,45 +3,51 @@
 #include "path_model/EntryBuilder.h"
 #include "path_utilities/ToolboxCacheRecord.h"
 
+#include <iosfwd>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <vector>
 
 namespace PathManagement {
 
-/// Makes entries from the records of one path cache file, without a system call. They are not watched yet and stand for
-/// their folders as of the moment of writing. For one thread.
+/// Makes entries from the records of one path cache file, side by side and without a system call. They are not watched
+/// yet and stand for their folders as of the moment of writing.
 class ToolboxCacheLoader {
 public:
     /// `comparator` is that of the root's file system.
     ToolboxCacheLoader(const EntryBuilding& building, Tolvex::CanonicalAbsoluteIRI cacheRoot,
                        const Tolvex::PathComparator& comparator, Tolvex::FileTime writtenAt);
 
-    /// Makes the entries of one top-level folder. A folder that cannot stand where the record says, because its name is
-    /// no path below the root or the parent's or its kind is none that the parent may hold, is left out with all below
-    /// it: the disk will be asked for it.
-    void Add(const ToolboxCacheRecord& record);
+    /// Makes the entries of every record. A folder that cannot stand where the record says, because its name is no path
+    /// below the root or the parent's or its kind is none that the parent may hold, is left out with all below it: the
+    /// disk will be asked for it. Whatever happens, no entry dies before this object does. Throws
+    /// ToolboxCacheWrongFormatException.
+    void Load(std::istream& cacheFile);
 
-    /// What was made so far, children before parents.
+    /// What was made, children before parents.
     [[nodiscard]] std::span<const CachedEntry> GetEntries() const noexcept { return made; }
 
 private:
     struct Place;
     using Location = Tolvex::CanonicalAbsoluteIRI;
 
+    void MakeEntries(const ToolboxCacheRecord& record);
     [[nodiscard]] std::vector<Place> FindPlaces(const ToolboxCacheRecord& record) const;
     [[nodiscard]] std::optional<Place> FindPlace(const ToolboxCacheRecord& record,
                                                  const ToolboxCacheRecord::Folder& folder,
                                                  const std::vector<Place>& above) const;
-    std::shared_ptr<const PathEntry> MakeEntry(const ToolboxCacheRecord& record, std::size_t folder,
-                                               const std::vector<Place>& places);
+    [[nodiscard]] std::shared_ptr<const PathEntry> MakeEntry(const ToolboxCacheRecord& record, std::size_t folder,
+                                                             const std::vector<Place>& places,
+                                                             std::vector<ustring_view>& fileNames) const;
+    void Keep(std::vector<CachedEntry>& entries);
 
     const EntryBuilding& building;
     Location cacheRoot;
     Tolvex::PathComparator comparator;
     Tolvex::ChangeMark mark;
+    std::mutex mutex; // guards `made`
     std::vector<CachedEntry> made;
-    std::vector<ustring_view> fileNames; // of the folder being made
 };
 
 } // namespace PathManagement

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "foundation/text/Export.h"
 #include "foundation/text/ustring.h"
 
 #include <cstdint>
@@ -15,7 +14,7 @@ using Tolvex::ustring_view;
 /// One top-level folder of a path cache file with everything below it. The names of the whole record lie in one text
 /// and its folders in one vector, so that reading and releasing it costs a few allocations however deep it is.
 /// Immutable once it was read.
-class KX_EXPORT ToolboxCacheRecord {
+class ToolboxCacheRecord {
 public:
     struct File {
         std::uint32_t nameBegin;

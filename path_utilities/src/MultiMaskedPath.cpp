@@ -1,5 +1,6 @@
 #include "path_utilities/MultiMaskedPath.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace PathManagement {
@@ -7,22 +8,48 @@ namespace PathManagement {
 MultiMaskedPath::MultiMaskedPath(std::shared_ptr<const IPath> path,
                                  std::vector<std::shared_ptr<const IPathEntry>> hiddenEntries)
     : path(std::move(path)) {
-    for (const auto& entry : hiddenEntries)
-        hidden.insert(entry->GetIRI());
+    for (const auto& entry : hiddenEntries) {
+        const ustring_view text = hidden.insert(entry->GetIRI()).first->getPath();
+        hiddenTexts.insert(text);
+        hiddenLengths.push_back(text.size());
+    }
+    std::ranges::sort(hiddenLengths);
+    const auto repeats = std::ranges::unique(hiddenLengths);
+    hiddenLengths.erase(repeats.begin(), repeats.end());
 }
 
 MultiMaskedPath::~MultiMaskedPath() = default;
 
-/// REQUIRES: the entry is on the path.
+/// REQUIRES: the entry is on the path; so do the next three.
 bool MultiMaskedPath::IsHidden(const IPathEntry& entry) const {
-    if (hidden.empty())
-        return false;
-    if (hidden.contains(entry.GetIRI()))
-        return true;
+    return !hidden.empty() && IsHidden(entry.GetIRI(), entry);
+}
+
+/// Asks the item where it lies: an entry hands out its location as a counted copy, and many threads may get one entry.
+bool MultiMaskedPath::IsHidden(const FoundItem& found) const {
+    return !hidden.empty() && IsHidden(found.GetItem().GetFolder(), *found.GetEntry());
+}
+
+bool MultiMaskedPath::IsHidden(const Tolvex::AbsoluteIRI& location, const IPathEntry& entry) const {
+    return hidden.contains(location) || (IsNamedBelowHidden(location.getPath()) && LiesBelowHidden(entry));
+}
+
+/// Whether a hidden folder's path text is that of a folder above. A long list costs little more than a short one, since
+/// its texts have few lengths.
+bool MultiMaskedPath::IsNamedBelowHidden(ustring_view pathText) const {
+    return std::ranges::any_of(hiddenLengths, [&](std::size_t length) {
+        const bool endsName = length < pathText.size() && (pathText[length] == u'/' || length == 1);
+        return endsName && hiddenTexts.contains(pathText.substr(0, length));
+    });
+}
+
+/// A folder below a hidden one may stand on the path by itself.
+bool MultiMaskedPath::LiesBelowHidden(const IPathEntry& entry) const {
     for (auto above = path->GetParentEntryForEntry(entry); above; above = path->GetParentEntryForEntry(*above)) {
-        if (hidden.contains(above->GetIRI()))
+        const Tolvex::CanonicalAbsoluteIRI location = above->GetIRI();
+        if (hidden.contains(location))
             return true;
-        if (above->GetIRI() == entry.GetIRI())
+        if (location == entry.GetIRI())
             return false; // a main entry, asked for by another object of its folder
     }
     return false;
@@ -91,7 +118,7 @@ std::shared_ptr<const IPathEntry> MultiMaskedPath::GetPathEntryFromAbsoluteIRI(c
 std::optional<FoundItem> MultiMaskedPath::FindFirstInScope(SearchScope scope, const SearchTarget& target,
                                                            FilenameMatchingPolicy policy) const {
     auto first = path->FindFirstInScope(scope, target, policy);
-    if (!first || !IsHidden(*first->GetEntry()))
+    if (!first || !IsHidden(*first))
         return first;
     auto all = FindAllInScope(scope, target, policy);
     return all.empty() ? std::nullopt : std::optional(std::move(all.front()));
@@ -101,7 +128,7 @@ std::vector<FoundItem> MultiMaskedPath::FindAllInScope(SearchScope scope, const 
                                                        FilenameMatchingPolicy policy) const {
     auto found = path->FindAllInScope(scope, target, policy);
     if (!hidden.empty())
-        std::erase_if(found, [this](const FoundItem& item) { return IsHidden(*item.GetEntry()); });
+        std::erase_if(found, [this](const FoundItem& item) { return IsHidden(item); });
     return found;
 }
 

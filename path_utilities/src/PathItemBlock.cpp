@@ -13,8 +13,6 @@ namespace PathManagement {
 
 namespace {
 
-constexpr std::size_t maximumNameLength = 0xFFFF;
-
 /// The first four code units as one number that compares like them; most names are told apart by it.
 std::uint64_t PrefixOf(ustring_view text) noexcept {
     std::uint64_t prefix = 0;
@@ -28,7 +26,7 @@ struct Draft {
     ustring_view name;
     ustring_view normalized;
     std::size_t stemLength;
-    std::uint32_t extensionIndex;
+    std::uint32_t hash;
 
     [[nodiscard]] ustring_view Stem() const noexcept { return name.substr(0, stemLength); }
     [[nodiscard]] ustring_view Extension() const noexcept { return name.substr(stemLength); }
@@ -44,30 +42,6 @@ bool IsBefore(const Draft& a, const Draft& b) noexcept {
         return order < 0;
     return a.Extension() < b.Extension();
 }
-
-/// An extension that files of the folder carry.
-struct Extension {
-    ustring_view text;
-    Tolvex::ItemKind kind;
-    std::size_t offset = 0; // in the text area, in code units
-};
-
-/// The distinct extensions of a folder, most recently met first in the search. Past a limit nothing is shared any more:
-/// a folder of ten thousand numbered extensions must not be compared each with each.
-class Extensions {
-public:
-    std::uint32_t Add(ustring_view text) {
-        for (std::size_t i = 0, end = std::min(list.size(), shared); i < end; ++i)
-            if (list[i].text == text)
-                return static_cast<std::uint32_t>(i);
-        list.push_back({text, Tolvex::GetItemKindForExtension(text)});
-        return static_cast<std::uint32_t>(list.size() - 1);
-    }
-    std::vector<Extension> list;
-
-private:
-    static constexpr std::size_t shared = 32;
-};
 
 } // namespace
 
@@ -111,25 +85,22 @@ private:
             if (name.size() > maximumNameLength)
                 throw std::length_error("PathItemBlock: a file name of more than 65,535 code units");
             const FileNameParts parts = SplitFileName(name);
-            Tolvex::FoldCaseTo(parts.stem, out);
+            const std::uint32_t hash = Tolvex::FoldAndHashName(parts.stem, out);
             const ustring_view normalized(out, parts.stem.size());
-            drafts.push_back(
-                {PrefixOf(normalized), name, normalized, parts.stem.size(), extensions.Add(parts.extension)});
+            drafts.push_back({PrefixOf(normalized), name, normalized, parts.stem.size(), hash});
             out += parts.stem.size();
         }
     }
 
-    /// Lays the texts out: extensions first, then each stem that is not the stem before it, followed by its normal form
-    /// where that differs.
+    /// Lays the texts out: each stem that is not the stem before it, its normal form where that differs, and the
+    /// extensions of its files. A look-up that has come to a stem has all it compares at hand.
     std::size_t MeasureTexts() {
         std::size_t length = 0;
-        for (Extension& extension : extensions.list) {
-            extension.offset = length;
-            length += extension.text.size();
-        }
-        for (std::size_t i = 0; i < drafts.size(); ++i)
+        for (std::size_t i = 0; i < drafts.size(); ++i) {
             if (!SharesStemWithPrevious(i))
                 length += drafts[i].stemLength * (drafts[i].IsItsOwnNormalForm() ? 1 : 2);
+            length += drafts[i].Extension().size();
+        }
         return length;
     }
 
@@ -138,12 +109,8 @@ private:
     }
 
     void Fill(char* memory, std::size_t itemsEnd) const {
-        const auto texts = reinterpret_cast<char16_t*>(memory + itemsEnd);
-        char16_t* end = texts;
-        for (const Extension& extension : extensions.list)
-            end = std::copy(extension.text.begin(), extension.text.end(), end);
+        auto end = reinterpret_cast<char16_t*>(memory + itemsEnd);
         const char16_t* stem = end;
-        std::uint32_t hash = 0;
         for (std::size_t i = 0; i < drafts.size(); ++i) {
             const Draft& draft = drafts[i];
             if (!SharesStemWithPrevious(i)) {
@@ -151,32 +118,30 @@ private:
                 end = std::copy_n(draft.name.data(), draft.stemLength, end);
                 if (!draft.IsItsOwnNormalForm())
                     end = std::copy(draft.normalized.begin(), draft.normalized.end(), end);
-                if (i == 0 || draft.normalized != drafts[i - 1].normalized)
-                    hash = Tolvex::HashName(draft.normalized);
             }
-            FillItem(memory + sizeof(PathItemBlock) + i * sizeof(PathItem), draft, stem, texts, memory, hash);
+            const char16_t* const extension = end;
+            end = std::copy(draft.Extension().begin(), draft.Extension().end(), end);
+            FillItem(memory + sizeof(PathItemBlock) + i * sizeof(PathItem), draft, stem, extension, memory);
         }
     }
 
-    void FillItem(char* place, const Draft& draft, const char16_t* stem, const char16_t* texts, const char* memory,
-                  std::uint32_t hash) const {
+    static void FillItem(char* place, const Draft& draft, const char16_t* stem, const char16_t* extension,
+                         const char* memory) {
         const auto distance = [place](const void* to) {
             return static_cast<std::uint32_t>(static_cast<const char*>(to) - place);
         };
-        const Extension& extension = extensions.list[draft.extensionIndex];
         PathItem* item = new (place) PathItem();
         item->stem = distance(stem);
-        item->extension = distance(texts + extension.offset);
+        item->extension = distance(extension);
         item->folder = static_cast<std::uint32_t>(place - (memory + offsetof(PathItemBlock, folder)));
-        item->nameHash = hash;
+        item->nameHash = draft.hash;
         item->stemLength = static_cast<std::uint16_t>(draft.stemLength);
-        item->extensionLength = static_cast<std::uint16_t>(extension.text.size());
-        item->kind = static_cast<std::uint8_t>(extension.kind);
+        item->extensionLength = static_cast<std::uint16_t>(draft.Extension().size());
+        item->kind = static_cast<std::uint8_t>(Tolvex::GetItemKindForExtension(draft.Extension()));
         item->normalizedFollows = !draft.IsItsOwnNormalForm();
     }
 
     std::vector<Draft> drafts;
-    Extensions extensions;
     ustring folded;
     std::size_t textLength = 0;
 };

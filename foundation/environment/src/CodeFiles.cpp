@@ -23,7 +23,7 @@ constexpr auto codeFileExtensions = std::to_array<CodeFileExtension>({
 
 ItemKind GetItemKindForExtension(ustring_view extension) noexcept {
     const auto found = std::find_if(codeFileExtensions.begin(), codeFileExtensions.end(),
-                                    [extension](const auto& known) { return known.extension == extension; });
+                                    [extension](const auto& known) { return IsSameText(known.extension, extension); });
     return found == codeFileExtensions.end() ? ItemKind::other : found->kind;
 }
 

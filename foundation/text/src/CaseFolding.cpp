@@ -67,17 +67,6 @@ std::size_t FoldFirst(ustring_view text, char16_t* out) {
     return 2;
 }
 
-constexpr bool IsAscii(TextBlock block) {
-    return (block & ~(0x7F * inEveryUnit)) == 0;
-}
-
-/// The bit that makes a capital small, in each unit that is a capital. REQUIRES: IsAscii(block).
-constexpr TextBlock GetCapitals(TextBlock block) {
-    const TextBlock fromA = block + (0x80 - u'A') * inEveryUnit; // bit 7 is set in units from "A" on
-    const TextBlock pastZ = block + (0x7F - u'Z') * inEveryUnit; // bit 7 is set in units behind "Z"
-    return ((fromA ^ pastZ) & (0x80 * inEveryUnit)) >> 2;
-}
-
 /// Folds one block when all of it is ASCII; else does nothing and returns false.
 bool FoldAsciiBlock(const char16_t* text, char16_t* out, TextBlock& difference) {
     const TextBlock block = LoadBlock(text);

@@ -1,8 +1,12 @@
 #include "foundation/text/NameHash.h"
 
+#include "foundation/text/CaseFolding.h"
+
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <set>
+#include <vector>
 
 namespace Tolvex {
 namespace {
@@ -26,6 +30,17 @@ TEST(NameHash, LooksAtEveryUnitAndNothingElse) {
         EXPECT_NE(HashName(changed), HashName(inside)) << i;
     }
     EXPECT_NE(HashName(u"a"), HashName(ustring_view(u"a\0", 2)));
+}
+
+RC_GTEST_PROP(NameHash, FoldingAndHashingInOnePassIsBoth, ()) {
+    const auto units = *rc::gen::container<std::vector<char16_t>>(rc::gen::weightedOneOf<char16_t>(
+        {{30, rc::gen::inRange<char16_t>(0, 0x80)},
+         {1, rc::gen::elementOf(std::vector<char16_t>{0x130, 0x212A, 0xC4, 0x3C2, 0xD801, 0xDC00, 0xFF21})}}));
+    const ustring name(units.begin(), units.end());
+    ustring out(name.size(), u'?');
+    const std::uint32_t hash = FoldAndHashName(name, out.data());
+    RC_ASSERT(out == FoldCase(name));
+    RC_ASSERT(hash == HashName(out));
 }
 
 } // namespace

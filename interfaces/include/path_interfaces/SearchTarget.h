@@ -1,6 +1,5 @@
 #pragma once
 
-#include "foundation/text/CaseFolding.h"
 #include "foundation/text/NameHash.h"
 
 #include <boost/container/small_vector.hpp>
@@ -43,8 +42,7 @@ private:
         nameLength = name.size();
         text.resize(2 * nameLength, boost::container::default_init);
         name.copy(text.data(), nameLength);
-        Tolvex::FoldCaseTo(name, text.data() + nameLength);
-        nameHash = Tolvex::HashName(GetNormalizedName());
+        nameHash = Tolvex::FoldAndHashName(name, text.data() + nameLength);
     }
 
     boost::container::small_vector<char16_t, 96> text; // the name, then its normal form

@@ -10,8 +10,10 @@
 namespace PathManagement {
 
 /// A path without some of its entries. Hidden are the folders of the listed entries, whatever objects stand for them,
-/// and everything that lies below them on the path. A look-up is one in the path, and one more for each entry above the
-/// answer; with nothing listed it is one in the path.
+/// and everything that lies below them on the path: where a folder is not there, it has no children there. A look-up is
+/// one in the path and a comparison of names, and goes on only where the first answer is hidden.
+///
+/// Relies on the location of an entry lying below those of the entries above it.
 class KX_EXPORT MultiMaskedPath final : public IPath {
 public:
     /// REQUIRES: neither the path nor an entry is null.
@@ -43,11 +45,17 @@ public:
 
 private:
     [[nodiscard]] bool IsHidden(const IPathEntry& entry) const;
+    [[nodiscard]] bool IsHidden(const FoundItem& found) const;
+    [[nodiscard]] bool IsHidden(const Tolvex::AbsoluteIRI& location, const IPathEntry& entry) const;
+    [[nodiscard]] bool IsNamedBelowHidden(ustring_view pathText) const;
+    [[nodiscard]] bool LiesBelowHidden(const IPathEntry& entry) const;
     [[nodiscard]] std::shared_ptr<const IPathEntry> UnlessHidden(std::shared_ptr<const IPathEntry> entry) const;
     [[nodiscard]] PathEntryVector WithoutHidden(PathEntryVector entries) const;
 
     std::shared_ptr<const IPath> path;
     std::unordered_set<Tolvex::AbsoluteIRI, Tolvex::IRIHash> hidden;
+    std::unordered_set<ustring_view> hiddenTexts; // the path texts of `hidden`
+    std::vector<std::size_t> hiddenLengths;       // of these texts, each once
     PublishOnce<std::shared_ptr<const PathEntryVector>> mainEntries;
 };
 

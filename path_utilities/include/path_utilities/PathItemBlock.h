@@ -8,10 +8,13 @@
 namespace PathManagement {
 
 /// All items of one folder and their names in one allocation, sorted by (normalised stem, stem, extension). The only
-/// place in which items exist; handles of items alias a handle of the block (or of an entry that owns it). Extensions
-/// that occur in many files, and stems shared by files that differ only in extension, are stored once.
+/// place in which items exist; handles of items alias a handle of the block (or of an entry that owns it). Stems
+/// shared by files that differ only in extension are stored once.
 class KX_EXPORT PathItemBlock {
 public:
+    /// In code units; no file system comes near it.
+    static constexpr std::size_t maximumNameLength = 0xFFFF;
+
     /// Makes the items of `folder` from file names in any order. A name listed twice gives two items. Throws
     /// std::length_error for a name of more than 65,535 code units.
     [[nodiscard]] static std::shared_ptr<const PathItemBlock> Create(const Tolvex::CanonicalAbsoluteIRI& folder,

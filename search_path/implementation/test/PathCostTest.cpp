@@ -1,8 +1,10 @@
 #include "PathWorld.h"
 
 #include "path_model/Path.h"
+#include "path_utilities/ConcatenatedPath.h"
 #include "path_utilities/DeduplicatedPath.h"
 #include "path_utilities/MultiMaskedPath.h"
+#include "path_utilities/PathEntryVectorDifferentiator.h"
 
 #include <gtest/gtest.h>
 
@@ -126,13 +128,32 @@ TEST_F(PathCost, LookUpsAllocateNothing) {
 TEST_F(PathCost, LookUpsThroughViewsAllocateNothing) {
     const auto other = world.PathOf({entries[7]});
     path = std::make_shared<const DeduplicatedPath>(std::vector{other, path});
-    path = std::make_shared<const MultiMaskedPath>(path, PathEntryVector());
+    path = std::make_shared<const ConcatenatedPath>(path, world.PathOf({world.Entry("/m9")}));
+    const auto whole = path;
+    for (const bool hidesSome : {false, true}) {
+        // What is hidden holds none of the names, which would send the look-up further.
+        const PathEntryVector hidden{world.Entry("/m7/private"), world.Entry("/m8/private")};
+        path = std::make_shared<const MultiMaskedPath>(whole, hidesSome ? hidden : PathEntryVector());
+        const std::size_t before = allocations;
+        const std::size_t hits = CountFound(u"", FilenameMatchingPolicy::ignoreCase);
+        const std::size_t absent = CountFound(u"_not_there", FilenameMatchingPolicy::ignoreCase);
+        EXPECT_EQ(allocations - before, 0u);
+        EXPECT_EQ(hits, static_cast<std::size_t>(folders));
+        EXPECT_EQ(absent, 0u);
+    }
+}
+
+TEST_F(PathCost, ListsThatDifferInOnePlaceAreComparedWithoutTables) {
+    PathEntryVector after = entries;
+    after[40] = entries[41];
+    after.erase(after.begin() + 41);
+    after[60] = PathWorld(world.storage).Entry("/m61");
+    PathEntryVectorDifferentiator difference;
     const std::size_t before = allocations;
-    const std::size_t hits = CountFound(u"", FilenameMatchingPolicy::ignoreCase);
-    const std::size_t absent = CountFound(u"_not_there", FilenameMatchingPolicy::ignoreCase);
-    EXPECT_EQ(allocations - before, 0u);
-    EXPECT_EQ(hits, static_cast<std::size_t>(folders));
-    EXPECT_EQ(absent, 0u);
+    difference.Compare(entries, after, ComparisonFilter::asListed);
+    EXPECT_EQ(allocations - before, 5u + 3u) << "five lists, three of them with an entry";
+    EXPECT_EQ(*difference.GetRemoved(), PathEntryVector{entries[40]});
+    EXPECT_EQ(*difference.GetRefreshedBefore(), PathEntryVector{entries[61]});
 }
 
 TEST_F(PathCost, ThreadsCountTheirAnswersApart) {

@@ -115,6 +115,26 @@ TEST(PathEntryFactory, HandsOutLiveEntriesUntilTheirFolderChanges) {
     EXPECT_EQ(world.factory.GetEntrySource(*first), PathEntrySource::unknown);
 }
 
+TEST(PathEntryFactory, LooksOnceAtAFolderThatNobodyWatchesBeforeHandingItOut) {
+    PathWorld world({"/m/a.kx", "/m/+p/b.kx"});
+    const UniformFolderMonitor unwatched(FolderMonitoringLevel::none);
+    const auto first = world.factory.CreatePathEntry(PathWorld::At("/m"), unwatched);
+    EXPECT_EQ(world.factory.CreatePathEntry(PathWorld::At("/m"), unwatched), first);
+    world.storage->Add("/m/+p/new.kx");
+    world.storage->GetClock().Advance(std::chrono::seconds(1));
+    EXPECT_FALSE(first->IsOutOfDate()) << "nobody looks";
+    const auto second = world.factory.CreatePathEntry(PathWorld::At("/m"), world.monitor);
+    EXPECT_EQ(Draw(*second), "0 /m [a.kx] (1 p [b.kx new.kx])");
+    world.storage->Add("/m/c.kx");
+    EXPECT_TRUE(second->IsOutOfDate()) << "watched as the monitor that asked says";
+    // As handed out by somebody who watches, though it was made for somebody who does not.
+    world.storage->GetClock().Advance(std::chrono::seconds(1));
+    const auto third = world.factory.CreatePathEntry(PathWorld::At("/m"), unwatched);
+    EXPECT_EQ(world.factory.CreatePathEntry(PathWorld::At("/m"), world.monitor), third);
+    world.storage->Add("/m/d.kx");
+    EXPECT_TRUE(third->IsOutOfDate());
+}
+
 TEST(PathEntryFactory, TheEndOfAnOldEntryDoesNotEvictItsSuccessor) {
     PathWorld world({"/m/a.kx"});
     auto old = world.Entry("/m");

@@ -1,11 +1,13 @@
 #include "PathModel.h"
 #include "PathWorld.h"
 
+#include "foundation/text/NameHash.h"
 #include "path_model/Path.h"
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <map>
 #include <set>
 
 namespace PathManagement {
@@ -326,6 +328,41 @@ TEST(Path, CostsWhatChangedAndKeepsFewLayers) {
     EXPECT_LE(most, 9u);
     // Each change brings about 41 names; indexing everything each time would be 16,000 for each change.
     EXPECT_LT(indexed / changes, 1000u);
+}
+
+TEST(Path, KeepsFewLayersOfFoldersThatHoldNothing) {
+    PathWorld world({"/full/a.kx", "/empty/"});
+    PathEntryVector entries{world.Entry("/full"), world.Entry("/empty")};
+    auto path = world.PathOf(entries);
+    for (int change = 0; change < 300; ++change) {
+        world.storage->Add("/empty/x");
+        world.storage->Remove("/empty/x");
+        world.storage->GetClock().Advance(std::chrono::seconds(1));
+        entries[1] = entries[1]->GetUpdatedPathEntry(world.factory, world.monitor);
+        path = world.PathOf(entries, path);
+        ASSERT_LE(static_cast<const Path&>(*path).GetIndex().GetLayerCount(), 3u);
+    }
+}
+
+TEST(Path, FindsEachFileOnceThoughTwoNamesOfAFolderHaveOneHash) {
+    std::map<std::uint32_t, ustring> byHash;
+    std::pair<ustring, ustring> pair;
+    for (int number = 0; pair.first.empty(); ++number) {
+        const ustring name = Tolvex::FromUtf8("f" + std::to_string(number));
+        const auto [known, isNew] = byHash.emplace(Tolvex::HashName(name), name);
+        if (!isNew)
+            pair = {known->second, name};
+    }
+    PathWorld world({"/m/" + Tolvex::ToUtf8(pair.first) + ".kx", "/m/" + Tolvex::ToUtf8(pair.second) + ".kx"});
+    const auto path = world.PathOf({"/m"});
+    for (const ustring& name : {pair.first, pair.second}) {
+        const SearchTarget target(name, Tolvex::GetCodeFileExtensions());
+        const std::string file = "/m/" + Tolvex::ToUtf8(name) + ".kx";
+        const auto all = path->FindAllInScope(SearchScope::All(), target, FilenameMatchingPolicy::exact);
+        ASSERT_EQ(all.size(), 1u);
+        EXPECT_EQ(File(all.front()), file);
+        EXPECT_EQ(File(path->FindFirstInScope(SearchScope::All(), target, FilenameMatchingPolicy::exact)), file);
+    }
 }
 
 TEST(Path, LetsGoOfEntriesThatLeftIt) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <atomic>
 #include <set>
 
 namespace PathManagement {
@@ -30,6 +31,12 @@ std::vector<Shown> ShowAll(const Paths& paths) {
     return shown;
 }
 
+PathEntryVector AllEntriesOf(const IPath& path) {
+    PathEntryVector all;
+    path.ForEachEntry(SearchScope::All(), [&](const auto& entry) { return all.push_back(entry), false; });
+    return all;
+}
+
 std::vector<Shown> WithoutRepeats(std::vector<Shown> shown) {
     std::set<Tolvex::AbsoluteIRI> seen;
     std::erase_if(shown, [&](const Shown& one) { return !seen.insert(one.entry->GetIRI()).second; });
@@ -50,12 +57,14 @@ std::vector<Shown> Without(std::vector<Shown> shown, const PathEntryVector& hidd
     return shown;
 }
 
+ustring ToUpper(ustring_view text) {
+    ustring upper(text);
+    for (char16_t& unit : upper)
+        unit = unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+    return upper;
+}
+
 void ExpectShows(const IPath& view, const std::vector<Shown>& shown, const PathEntryVector& everything) {
-    PathEntryVector walked;
-    EXPECT_FALSE(view.ForEachEntry(SearchScope::All(), [&](const auto& entry) {
-        walked.push_back(entry);
-        return false;
-    }));
     PathEntryVector expected;
     PathEntryVector mains;
     PathEntryVector methods;
@@ -69,7 +78,15 @@ void ExpectShows(const IPath& view, const std::vector<Shown>& shown, const PathE
         if (one.entry->GetIRI().getBaseName() == u"+p")
             inPackages.push_back(one.entry);
     }
-    ASSERT_EQ(walked, expected);
+    ASSERT_EQ(AllEntriesOf(view), expected);
+    for (std::size_t wanted = 0; wanted < expected.size(); ++wanted) {
+        std::atomic<std::size_t> visits = 0;
+        const auto stop = [&](const auto&) { return visits++ == wanted; };
+        EXPECT_TRUE(view.ForEachEntry(SearchScope::All(), stop));
+        EXPECT_EQ(visits, wanted + 1);
+        EXPECT_FALSE(view.ConcurrentForEachEntry(SearchScope::All(), [&](const auto&) { return ++visits, false; }));
+        EXPECT_EQ(visits, wanted + 1 + expected.size());
+    }
     EXPECT_EQ(*view.GetMainEntries(), mains);
     EXPECT_EQ(view.GetMainEntries(), view.GetMainEntries()) << "made once";
     EXPECT_EQ(view.GetMethodEntries(), methods);
@@ -84,6 +101,9 @@ void ExpectShows(const IPath& view, const std::vector<Shown>& shown, const PathE
         EXPECT_EQ(view.IsEntryOnPath(*entry), isThere);
         EXPECT_EQ(view.GetPathEntryFromAbsoluteIRI(entry->GetIRI()), isThere ? place->entry : nullptr);
         EXPECT_EQ(view.GetPathEntryFromAbsoluteIRI(entry->GetIRI(), FilenameMatchingPolicy::exact),
+                  isThere ? place->entry : nullptr);
+        const Tolvex::AbsoluteIRI shouted("memory", ToUpper(entry->GetIRI().getPath()));
+        EXPECT_EQ(view.GetPathEntryFromAbsoluteIRI(shouted, FilenameMatchingPolicy::ignoreCase),
                   isThere ? place->entry : nullptr);
         EXPECT_EQ(view.GetMainEntryForEntry(*entry), isThere ? place->origin->GetMainEntryForEntry(*entry) : nullptr);
         EXPECT_EQ(view.GetParentEntryForEntry(*entry),
@@ -166,6 +186,15 @@ RC_GTEST_PROP(PathViews, ShowWhatTheirDefinitionSays, ()) {
         if (*rc::gen::weightedElement<bool>({{8, false}, {1, true}}))
             hidden.push_back(entry);
     ExpectShows(MultiMaskedPath(paths[0], hidden), Without(ShowAll({paths[0]}), hidden), everything);
+
+    // Views of views; a path whose repeats are dropped has none by itself.
+    const auto masked = std::make_shared<const MultiMaskedPath>(paths[2], hidden);
+    const auto rest = std::make_shared<const MultiMaskedPath>(paths[1], AllEntriesOf(*paths[0]));
+    const auto joined = std::make_shared<const ConcatenatedPath>(paths[0], rest);
+    const Paths combined{masked, joined};
+    const auto merged = std::make_shared<const DeduplicatedPath>(Paths(combined));
+    ExpectShows(*merged, WithoutRepeats(ShowAll(combined)), everything);
+    ExpectShows(MultiMaskedPath(merged, hidden), Without(ShowAll({merged}), hidden), everything);
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include <sstream>
 #include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 namespace PathManagement {
 namespace {
@@ -180,12 +181,33 @@ TEST(ToolboxCache, RecordsThatCannotStandWhereTheySayAreLeftOut) {
     std::string text = "<Harrowfen type=\"Path Cache File\" version=\"2.0\" date=\"\">";
     for (const auto* name : {"../other", "", "/other", "m/../../other", "m/", "."})
         text += "<D name=\"" + std::string(name) + "\"><C name=\"ghost.kx\"/></D>";
+    std::string deep = "m";
+    for (int i = 0; i < 60'000; ++i)
+        deep += "/private";
+    text += "<D name=\"" + deep + "\"></D>";
+    for (const std::string& file : {std::string("sub/ghost.kx"), std::string(), std::string(".."), std::string(1, '\0'),
+                                    std::string(70'000, 'x')})
+        text += "<D name=\"m\"><C name=\"" + file + "\"/></D>";
     text += "<D name=\"m\"><D name=\"m/private\"><D name=\"m/private/private\"></D></D><D name=\"n/+p\"></D>"
             "<D name=\"m/+p/+q\"></D><D name=\"m/plain\"></D><D name=\"m/\"></D></D></Harrowfen>";
     LoadCache(world, "/root", text);
     EXPECT_EQ(Draw(*world.Entry("/root/m")), "0 /root/m [] (3 /root/m/private [])");
     EXPECT_EQ(Names(*world.Entry("/other")->GetPathItems()), "");
     EXPECT_EQ(world.factory.GetCounters().entriesKept, 2u) << "what was made for names outside died at once";
+}
+
+TEST(ToolboxCache, EntriesMayDieWhileOneIsWritten) {
+    PathWorld world({"/root/m/+p/+q/a.kx", "/root/n/b.kx"});
+    const auto kept = world.Entry("/root/n");
+    std::atomic<bool> stop = false;
+    std::thread owner([&] {
+        while (!stop)
+            world.Entry("/root/m").reset();
+    });
+    for (int writing = 0; writing < 300; ++writing)
+        EXPECT_NE(WriteCache(world, "/root").find("b.kx"), std::string::npos);
+    stop = true;
+    owner.join();
 }
 
 TEST(ToolboxCache, IsForgottenWhenDroppedOrReplaced) {
@@ -318,6 +340,17 @@ TEST_F(ToolboxCacheOnDisk, TwoWritersAndAReaderMeetNoHalfFile) {
     for (std::thread& writer : writers)
         writer.join();
     EXPECT_EQ(CountFiles(), 2u) << "the folder and the cache file";
+}
+
+TEST_F(ToolboxCacheOnDisk, IsSavedBesideWhatKilledProcessesLeftAndBehindALinkToNothing) {
+    for (int number = 0; number < 2000; ++number)
+        std::ofstream(root / (".cache.xml." + std::to_string(::getpid()) + "." + std::to_string(number) + ".new"));
+    ASSERT_EQ(Save(), "");
+    std::filesystem::create_symlink("not there yet", root / "link");
+    file = root / "link";
+    ASSERT_EQ(Save(), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(root / "link"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(root / "not there yet"));
 }
 
 TEST_F(ToolboxCacheOnDisk, KeepsLinksRightsAndTheMomentOfWriting) {

@@ -22,19 +22,30 @@ namespace {
                                             std::error_code(error, std::generic_category()));
 }
 
-/// Where a file lies, its last links followed as well.
-Path Resolve(const Path& file) {
-    std::error_code missing;
-    const Path resolved = std::filesystem::canonical(file, missing);
-    return missing ? std::filesystem::absolute(file) : resolved;
+/// Where a file lies, its last links followed as well, also when they lead to nothing yet.
+Path Resolve(Path file) {
+    constexpr int mostLinks = 40; // as the kernel
+    std::error_code ignored;
+    for (int links = 0; links < mostLinks && std::filesystem::is_symlink(file, ignored); ++links)
+        file = file.parent_path() / std::filesystem::read_symlink(file, ignored);
+    return std::filesystem::absolute(file);
 }
 
-/// A name beside the file that nobody else uses.
-Path NameTemporary(const Path& file) {
+/// Calls `make` with names beside the file until one is not taken, as it may be by what a killed process left. Returns
+/// the name; throws for any other failure.
+template <class Make>
+Path MakeTemporary(const Path& file, const Make& make) {
     static std::atomic<unsigned> made = 0;
-    std::string name(1, '.');
-    name.append(file.filename().native()).append(1, '.').append(std::to_string(::getpid()));
-    return file.parent_path() / name.append(1, '.').append(std::to_string(made++)).append(".new");
+    for (;;) {
+        std::string name(1, '.');
+        name.append(file.filename().native()).append(1, '.').append(std::to_string(::getpid()));
+        name.append(1, '.').append(std::to_string(made++)).append(".new");
+        Path path = file.parent_path() / name;
+        if (make(path.c_str()))
+            return path;
+        if (errno != EEXIST)
+            Fail(file);
+    }
 }
 
 /// Reads from the beginning of a file that stays open for as long as the stream.
@@ -109,19 +120,18 @@ private:
             return opened;
         if (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)
             Fail(file);
-        const Path name = NameTemporary(file);
-        FileDescriptor named(::open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666));
-        if (!named.IsOpen())
-            Fail(file);
-        temporary = name;
-        return named;
+        temporary = MakeTemporary(file, [&opened](const char* name) {
+            opened = FileDescriptor(::open(name, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666));
+            return opened.IsOpen();
+        });
+        return opened;
     }
 
     void GiveName() {
-        const Path name = NameTemporary(file);
-        if (::linkat(AT_FDCWD, GetDescriptorPath().c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0)
-            Fail(file);
-        temporary = name;
+        const std::string unnamed = GetDescriptorPath();
+        temporary = MakeTemporary(file, [&unnamed](const char* name) {
+            return ::linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+        });
     }
 
     [[nodiscard]] std::string GetDescriptorPath() const { return "/proc/self/fd/" + std::to_string(descriptor.Get()); }

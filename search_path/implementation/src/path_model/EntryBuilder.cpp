@@ -190,7 +190,7 @@ std::shared_ptr<const PathEntry> EntryBuilder::BuildChild(const Location& locati
 /// one that is looked at can say that it is up to date.
 std::shared_ptr<const PathEntry> EntryBuilder::FindReusableChild(const Location& location) const {
     const auto live = building.cache.Find(location);
-    if (!live || !live->folderPresent || live->level == FolderMonitoringLevel::none ||
+    if (!live || !live->folderPresent || live->cutFromAbove || live->level == FolderMonitoringLevel::none ||
         live->builtUnder != mainLocation || live->entry->IsOutOfDate())
         return nullptr;
     ++building.entriesReused;

@@ -82,16 +82,22 @@ void EntryCache::Remove(const Tolvex::CanonicalAbsoluteIRI& location, const IPat
 }
 
 std::vector<CachedEntry> EntryCache::GetTopEntries() const {
-    std::vector<CachedEntry> entries;
+    std::vector<CachedEntry> entries; // every handle that is made below, since none may be the last one there
     {
         const std::shared_lock lock(mutex);
-        for (const auto& [location, record] : diskEntries)
-            if (auto entry = Find(diskEntries, location); entry && entry->builtUnder == location)
+        const auto take = [&entries](const Records& records, const AbsoluteIRI& location) {
+            if (auto entry = Find(records, location))
                 entries.push_back(*std::move(entry));
-        for (const auto& [location, record] : cacheFileEntries)
-            if (record.builtUnder == location && !Find(diskEntries, location))
-                if (auto entry = Find(cacheFileEntries, location))
-                    entries.push_back(*std::move(entry));
+        };
+        for (const auto& [location, record] : diskEntries)
+            if (record.builtUnder == location)
+                take(diskEntries, location);
+        for (const auto& [location, record] : cacheFileEntries) {
+            const auto fromDisk = diskEntries.find(location);
+            const bool isHidden = fromDisk != diskEntries.end() && !fromDisk->second.entry.expired();
+            if (record.builtUnder == location && !isHidden)
+                take(cacheFileEntries, location);
+        }
     }
     std::ranges::sort(entries, {}, [](const CachedEntry& entry) { return entry.entry->GetIRI(); });
     return entries;

@@ -22,17 +22,17 @@ std::uint32_t FindParent(const EntryGroup& group, const IPathEntry& entry) {
 } // namespace
 
 EntryGroup FlattenEntry(const std::shared_ptr<const IPathEntry>& mainEntry) {
-    EntryGroup group;
+    // The main entry stands first, whatever handle of it the walk gives, or whether it gives one at all.
+    EntryGroup group{{mainEntry}, {0}};
+    const Tolvex::CanonicalAbsoluteIRI location = mainEntry->GetIRI();
     mainEntry->ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
-        group.parents.push_back(group.entries.empty() ? 0 : FindParent(group, *entry));
-        group.entries.push_back(entry);
+        if (entry->GetIRI() != location) {
+            group.parents.push_back(FindParent(group, *entry));
+            group.entries.push_back(entry);
+        }
         group.ownsEntries = group.ownsEntries && typeid(*entry) == typeid(PathEntry);
         return false;
     });
-    if (group.entries.empty())
-        group.parents.push_back(0);
-    group.entries.resize(group.parents.size());
-    group.entries.front() = mainEntry; // whatever handle the walk gave, or whether it gave one at all
     group.ownsEntries = group.ownsEntries || group.entries.size() == 1;
     return group;
 }

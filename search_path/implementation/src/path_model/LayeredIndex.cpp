@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::uint32_t notThere = UINT32_MAX;
 
-/// The upper layers are folded into a new lowest one when they hold more names than this and than a share of it.
-constexpr std::size_t smallestUpperNames = 4096;
+/// The upper layers are folded into a new lowest one when they weigh more than this and than a share of it.
+constexpr std::size_t smallestUpperWeight = 4096;
 constexpr std::size_t upperShare = 4;
 
 /// For each new main entry its place among the old ones, or `notThere`. Lists mostly differ in one stretch, so equal
@@ -56,11 +56,12 @@ private:
     std::vector<std::uint32_t> oldPlaces;
 };
 
-std::size_t CountItems(const IPathEntry& mainEntry) {
+/// What adding a main entry costs: its entries and their files.
+std::size_t Weigh(const IPathEntry& mainEntry) {
     std::size_t count = 0;
     mainEntry.ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
-        count += typeid(*entry) == typeid(PathEntry) ? static_cast<const PathEntry&>(*entry).GetItems().size()
-                                                     : entry->GetPathItems()->size();
+        count += 1 + (typeid(*entry) == typeid(PathEntry) ? static_cast<const PathEntry&>(*entry).GetItems().size()
+                                                          : entry->GetPathItems()->size());
         return false;
     });
     return count;
@@ -85,11 +86,11 @@ LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries)
 LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries, const LayeredIndex& previous)
     : mainEntries(std::move(entries)), groupUses(mainEntries->size()), leases(mainEntries->size()) {
     const MainEntryMatch match(*previous.mainEntries, *mainEntries);
-    std::size_t addedNames = 0;
+    std::size_t addedWeight = 0;
     for (std::size_t place = 0; place < mainEntries->size(); ++place)
         if (match.GetOldPlace(place) == notThere)
-            addedNames += CountItems(*(*mainEntries)[place]);
-    const std::size_t kept = previous.CountKeptLayers(addedNames);
+            addedWeight += Weigh(*(*mainEntries)[place]);
+    const std::size_t kept = previous.CountKeptLayers(addedWeight);
     layers.assign(previous.layers.begin(), previous.layers.begin() + static_cast<std::ptrdiff_t>(kept));
     std::vector<std::uint32_t> indexedAgain;
     for (std::uint32_t place = 0; place < mainEntries->size(); ++place) {
@@ -104,23 +105,23 @@ LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries, const
     PlaceGroups();
 }
 
-/// How many of the lower layers an index derived from this one takes over, when so many names are added on top.
-std::size_t LayeredIndex::CountKeptLayers(std::size_t addedNames) const {
+/// How many of the lower layers an index derived from this one takes over, when so much is added on top.
+std::size_t LayeredIndex::CountKeptLayers(std::size_t addedWeight) const {
     if (layers.empty())
         return 0;
     const LayerUse& lowest = layers.front();
     const auto gone = std::count(lowest.mainPlaces.begin(), lowest.mainPlaces.end(), offPath);
     if (static_cast<std::size_t>(gone) > lowest.mainPlaces.size() / 2)
         return 0;
-    std::size_t upperNames = addedNames;
+    std::size_t upperWeight = addedWeight;
     for (std::size_t layer = 1; layer < layers.size(); ++layer)
-        upperNames += layers[layer].layer->GetNameCount();
-    if (upperNames > std::max(smallestUpperNames, lowest.layer->GetNameCount() / upperShare))
+        upperWeight += layers[layer].layer->GetWeight();
+    if (upperWeight > std::max(smallestUpperWeight, lowest.layer->GetWeight() / upperShare))
         return 0;
     std::size_t kept = layers.size();
-    std::size_t merged = addedNames;
-    for (; addedNames > 0 && kept > 1 && layers[kept - 1].layer->GetNameCount() < 2 * merged; --kept)
-        merged += layers[kept - 1].layer->GetNameCount();
+    std::size_t merged = addedWeight;
+    for (; addedWeight > 0 && kept > 1 && layers[kept - 1].layer->GetWeight() < 2 * merged; --kept)
+        merged += layers[kept - 1].layer->GetWeight();
     return kept;
 }
 

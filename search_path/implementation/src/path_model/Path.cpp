@@ -46,13 +46,14 @@ struct Winner {
 };
 
 /// Kept apart so that the road of absent names, which ends before it, stays short.
-[[gnu::noinline]] void FindFirstInLayer(const LayeredIndex::NamedEntries& entries, const NameQuestion& question,
-                                        Winner& winner) {
+[[gnu::noinline]] void FindFirstInLayer(const LayeredIndex& index, const LayeredIndex::NamedEntries& entries,
+                                        const NameQuestion& question, Winner& winner) {
     const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(question.policy);
     entries.ForEach(winner.order, [&](const LayeredIndex::Place& place, std::uint32_t firstItem) {
         const LayeredIndex::Slot& slot = *place.slot;
         if (!question.scope.Contains(slot.type))
             return winner.order;
+        index.PrepareHandle(place.GetMainPlace());
         const PathItem* item = nullptr;
         if (!slot.IsForeign())
             item =
@@ -160,7 +161,7 @@ std::optional<FoundItem> Path::FindFirstByName(SearchScope scope, const SearchTa
     const NameQuestion question{scope, target, policy};
     Winner winner;
     index->ForEachLayerWithName(target.GetNameHash(), [&](const LayeredIndex::NamedEntries& entries) {
-        FindFirstInLayer(entries, question, winner);
+        FindFirstInLayer(*index, entries, question, winner);
     });
     if (winner.slot == nullptr)
         return std::nullopt;
@@ -181,6 +182,9 @@ std::vector<FoundItem> Path::FindAllByName(SearchScope scope, const SearchTarget
         });
     });
     std::sort(places.begin(), places.end());
+    // Two names of one entry may have one hash.
+    const auto repeated = std::ranges::unique(places, {}, &Place::order);
+    places.erase(repeated.begin(), repeated.end());
     return FindAllInPlaces(places, target, policy);
 }
 

@@ -101,14 +101,29 @@ std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIR
     const auto live = building.cache.Find(location);
     if (!live || (live->cutFromAbove && live->builtUnder != location))
         return nullptr;
+    const bool isWatched = live->level != FolderMonitoringLevel::none;
     // Nobody looks at the disk for an entry from a cache file until it was handed out.
-    const bool isFirstUse = live->source == PathEntrySource::cacheFile && live->level == FolderMonitoringLevel::none;
-    if (!isFirstUse && live->entry->IsOutOfDate())
+    const bool isFirstUse = live->source == PathEntrySource::cacheFile && !isWatched;
+    if (isWatched ? live->entry->IsOutOfDate() : !isFirstUse && IsOutOfDateAtOneLook(*live->entry))
         return nullptr;
-    if (isFirstUse)
+    if (!isWatched)
         StartWatching(*live, monitor);
     ++building.entriesReused;
     return live->entry;
+}
+
+/// For an entry whose folders nobody looks at: looks at them once.
+bool PathEntryFactory::IsOutOfDateAtOneLook(const PathEntry& entry) const {
+    const auto setLevels = [&](FolderMonitoringLevel level) {
+        entry.ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& each) {
+            building.observers.setObservationLevel(each->GetIRI(), level);
+            return false;
+        });
+    };
+    setLevels(FolderMonitoringLevel::timeCheck);
+    const bool isOutOfDate = entry.IsOutOfDate();
+    setLevels(FolderMonitoringLevel::none);
+    return isOutOfDate;
 }
 
 void PathEntryFactory::StartWatching(const CachedEntry& live, const IFolderMonitor& monitor) const {
@@ -154,8 +169,10 @@ void PathEntryFactory::LoadToolboxCache(std::istream& cacheFile, const AbsoluteI
         const auto lock = building.cache.LockShared();
         loader.Load(cacheFile);
     }
-    building.cache.AddFromCacheFile(loader.GetEntries());
-    building.entriesBuilt += loader.GetEntries().size();
+    for (const auto& entries : loader.GetEntries()) {
+        building.cache.AddFromCacheFile(entries);
+        building.entriesBuilt += entries.size();
+    }
 }
 
 void PathEntryFactory::WriteToolboxCache(std::ostream& cacheFile, const AbsoluteIRI& cacheRoot) const {

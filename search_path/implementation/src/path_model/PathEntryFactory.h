@@ -45,6 +45,7 @@ public:
 private:
     [[nodiscard]] std::shared_ptr<const PathEntry> FindUpToDate(const Tolvex::AbsoluteIRI& location,
                                                                 const IFolderMonitor& monitor) const;
+    [[nodiscard]] bool IsOutOfDateAtOneLook(const PathEntry& entry) const;
     void StartWatching(const CachedEntry& live, const IFolderMonitor& monitor) const;
     [[nodiscard]] std::shared_ptr<const PathEntry> GetForWriting(const CachedEntry& live) const;
     [[nodiscard]] std::shared_ptr<const PathEntry> CreateFromExistingFolder(const Tolvex::AbsoluteIRI& location,

@@ -48,7 +48,8 @@ void PathLayer::FillSlots(std::span<const EntryGroup> groups) {
             if (typeid(entry) == typeid(PathEntry))
                 items = static_cast<const PathEntry&>(entry).GetItems();
             slots.push_back({&entry, items.data(), static_cast<std::uint32_t>(items.size()), group, ordinal,
-                             groups[group].parents[ordinal], entry.GetPathEntryType(), entry.GetPathComparator()});
+                             groups[group].parents[ordinal], entry.GetPathEntryType(), entry.GetPathComparator(),
+                             groups[group].ownsEntries});
         }
         groupBegin.push_back(static_cast<std::uint32_t>(slots.size()));
     }

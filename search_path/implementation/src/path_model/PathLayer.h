@@ -26,6 +26,7 @@ public:
         std::uint32_t parentOrdinal;
         PathEntryType type;
         Tolvex::PathComparator comparator;
+        bool isOwnedByMain; ///< the main entry's handle keeps it alive
 
         /// Not of this library: its items are asked for, not read.
         [[nodiscard]] bool IsForeign() const noexcept { return items == nullptr; }
@@ -42,8 +43,9 @@ public:
         return std::span(slots).subspan(groupBegin[group], groupBegin[group + 1] - groupBegin[group]);
     }
 
-    /// The number of names indexed: what it costs to make the layer again.
     [[nodiscard]] std::size_t GetNameCount() const noexcept { return names.GetCount(); }
+    /// The number of entries and names indexed: what it costs to make the layer again.
+    [[nodiscard]] std::size_t GetWeight() const noexcept { return slots.size() + names.GetCount(); }
 
     /// Slots that may hold files of a name, in slot order.
     [[nodiscard]] std::span<const NameRecord> FindName(std::uint32_t hash) const noexcept { return names.Find(hash); }

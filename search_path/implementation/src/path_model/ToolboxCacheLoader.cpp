@@ -23,9 +23,9 @@ bool IsName(ustring_view name) {
     return !name.empty() && name != u"." && name != u".." && name.find_first_of(ustring_view(u"/\0", 2)) == name.npos;
 }
 
-/// Whether a text is a chain of names with one "/" in between.
+/// Whether a text is a chain of names with one "/" in between, not deeper than any folder that is made into an entry.
 bool IsRelativePath(ustring_view path) {
-    for (;;) {
+    for (std::size_t depth = 0; depth < EntryBuilder::maximumDepth; ++depth) {
         const std::size_t separator = path.find(u'/');
         if (!IsName(path.substr(0, separator)))
             return false;
@@ -33,6 +33,11 @@ bool IsRelativePath(ustring_view path) {
             return true;
         path.remove_prefix(separator + 1);
     }
+    return false;
+}
+
+bool IsFileName(ustring_view name) {
+    return IsName(name) && name.size() <= PathItemBlock::maximumNameLength;
 }
 
 } // namespace
@@ -55,14 +60,15 @@ ToolboxCacheLoader::ToolboxCacheLoader(const EntryBuilding& building, Location c
 
 void ToolboxCacheLoader::Load(std::istream& cacheFile) {
     ToolboxCacheReader reader(cacheFile);
-    using Record = std::shared_ptr<const ToolboxCacheRecord>;
-    const auto read = [&reader](tbb::flow_control& flow) {
-        Record record = reader.Next();
-        if (!record)
+    using Record = std::pair<std::size_t, std::shared_ptr<const ToolboxCacheRecord>>;
+    std::size_t count = 0;
+    const auto read = [&reader, &count](tbb::flow_control& flow) {
+        Record record{count++, reader.Next()};
+        if (!record.second)
             flow.stop();
         return record;
     };
-    const auto make = [this](const Record& record) { MakeEntries(*record); };
+    const auto make = [this](const Record& record) { MakeEntries(*record.second, record.first); };
     // Whoever waits here must not be given other work, which might want the lock that is held meanwhile.
     tbb::this_task_arena::isolate([&] {
         tbb::parallel_pipeline(recordsInWork, tbb::make_filter<void, Record>(tbb::filter_mode::serial_in_order, read) &
@@ -70,7 +76,7 @@ void ToolboxCacheLoader::Load(std::istream& cacheFile) {
     });
 }
 
-void ToolboxCacheLoader::MakeEntries(const ToolboxCacheRecord& record) {
+void ToolboxCacheLoader::MakeEntries(const ToolboxCacheRecord& record, std::size_t number) {
     std::vector<Place> places = FindPlaces(record);
     std::vector<ustring_view> fileNames;
     std::vector<CachedEntry> entries;
@@ -84,15 +90,17 @@ void ToolboxCacheLoader::MakeEntries(const ToolboxCacheRecord& record) {
                                    FolderMonitoringLevel::none, true, false});
             }
     } catch (...) {
-        Keep(entries);
+        Keep(entries, number);
         throw;
     }
-    Keep(entries);
+    Keep(entries, number);
 }
 
-void ToolboxCacheLoader::Keep(std::vector<CachedEntry>& entries) {
+void ToolboxCacheLoader::Keep(std::vector<CachedEntry>& entries, std::size_t number) {
     const std::scoped_lock lock(mutex);
-    made.insert(made.end(), std::move_iterator(entries.begin()), std::move_iterator(entries.end()));
+    if (made.size() <= number)
+        made.resize(number + 1);
+    made[number].swap(entries);
 }
 
 std::vector<ToolboxCacheLoader::Place> ToolboxCacheLoader::FindPlaces(const ToolboxCacheRecord& record) const {
@@ -144,7 +152,8 @@ std::shared_ptr<const PathEntry> ToolboxCacheLoader::MakeEntry(const ToolboxCach
         PathEntryFactory::PushChildEntryToCurrentPathEntry(children, places[child].entry);
     fileNames.clear();
     for (const ToolboxCacheRecord::File& file : record.GetFiles(record.GetFolders()[folder]))
-        fileNames.push_back(record.GetName(file));
+        if (IsFileName(record.GetName(file)))
+            fileNames.push_back(record.GetName(file));
     return std::make_shared<const PathEntry>(
         place.location, DescribeEntry(place.location, building.descriptors), place.type, std::move(children), fileNames,
         comparator, building.observers.createObserver(place.location, mark, FolderMonitoringLevel::none),

@@ -1,0 +1,127 @@
+"""Everybody who is measured. A measurer belongs to one tree; each round it yields (row, contender, value)."""
+
+import dataclasses
+import json
+import pathlib
+import shutil
+import subprocess
+import time
+
+import trees
+
+HERE = pathlib.Path(__file__).resolve().parent
+MILLISECONDS = 1000.0
+ZSH_REHASH = 'path=("${(@f)$(<$1)}"); rehash; print ready $#commands'
+
+
+def read_records(lines):
+    return [(r["row"], r["contender"], r["value"]) for r in map(json.loads, lines)]
+
+
+@dataclasses.dataclass(frozen=True)
+class Program:
+    """A fresh process. What counts is the time from its start to its line "ready", or to its end where it has none."""
+
+    row: str
+    contender: str
+    command: tuple
+    says_ready: bool = True
+
+    def measure(self):
+        start = time.perf_counter()
+        output = subprocess.PIPE if self.says_ready else subprocess.DEVNULL
+        with subprocess.Popen(self.command, stdout=output, text=True) as process:
+            said = process.stdout.readline() if self.says_ready else "ready"
+            if not self.says_ready:
+                process.wait()
+            taken = time.perf_counter() - start
+            more = process.stdout.read().splitlines() if self.says_ready else []
+        if process.returncode != 0 or not said.startswith("ready"):
+            raise RuntimeError(f"{self.contender} failed: {' '.join(map(str, self.command))[:200]}")
+        return [(self.row, self.contender, taken * MILLISECONDS), *read_records(more)]
+
+
+class Scans:
+    """Rows a, and what the scanned path weighs and costs to release."""
+
+    rows = ("a1", "a2", "f1", "g1")
+
+    def __init__(self, tree, programs, rows):
+        self.tree = tree
+        built = [Program("a1", "walk", (programs / "scan_floor", tree.path_file)),
+                 Program("a1", "project", self.scan_command(programs, 1)),
+                 Program("a2", "project", self.scan_command(programs, 2))]
+        # a1 always: its walk is the floor of a2, and its process reports f1 and g1.
+        self.programs = [program for program in built if program.row in ("a1", *rows)]
+        self.programs += [rival for rival in self.rivals() if rival.row in rows]
+        built[0].measure()  # so that the folders are in memory
+
+    def scan_command(self, programs, threads):
+        known = [*self.tree.questions("front", 10), *self.tree.questions("back", 10), *self.tree.questions("hits", 10)]
+        return (programs / "scan_project", "--threads", str(threads), "--", self.tree.path_file,
+                *(text for question in known for text in question))
+
+    def rivals(self):
+        root, path_file = str(self.tree.root), str(self.tree.path_file)
+        everybody = [
+            Program("a1", "find", ("find", root, "-type", "f"), says_ready=False),
+            *(Program(f"a{n}", f"fd -j{n}", ("fdfind", "--unrestricted", "--type", "f", "--threads", str(n), ".", root),
+                      says_ready=False) for n in (1, 2)),
+            Program("a1", "python importlib", ("/usr/bin/python3", "-I", HERE / "importlib_rival.py", path_file)),
+            Program("a1", "zsh rehash", ("zsh", "-f", "-c", ZSH_REHASH, "zsh", path_file))]
+        return [rival for rival in everybody if shutil.which(rival.command[0])]
+
+    def measure(self, round_number):
+        turn = round_number % len(self.programs)
+        for program in self.programs[turn:] + self.programs[:turn]:
+            yield from program.measure()
+
+    def close(self):
+        pass
+
+
+class PlainDrops:
+    """The floors of f1 and g1."""
+
+    rows = ("f1", "g1")
+
+    def __init__(self, tree, programs, _rows):
+        self.command = (programs / "plain_drop", tree.path_file)
+
+    def measure(self, _round_number):
+        done = subprocess.run(self.command, check=True, capture_output=True, text=True)
+        return read_records(done.stdout.splitlines())
+
+    def close(self):
+        pass
+
+
+class Lookups:
+    """Rows b and x: one process that lives through all rounds."""
+
+    rows = ("b1", "b2", "b3", "b4", "x1")
+
+    def __init__(self, tree, programs, _rows):
+        command = (programs / "lookup_rounds", tree.root, tree.path_file, tree.queries, tree.spare_folder,
+                   trees.SPARE_NAME)
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.answers = json.loads(self.read_line())["answers"]
+
+    def read_line(self):
+        line = self.process.stdout.readline()
+        if not line:
+            raise RuntimeError("the look-ups ended early")
+        return line
+
+    def measure(self, round_number):
+        print(round_number, file=self.process.stdin, flush=True)
+        lines = list(iter(self.read_line, "done\n"))
+        return read_records(lines)
+
+    def close(self):
+        self.process.stdin.close()
+        if self.process.wait() != 0:
+            raise RuntimeError("the look-ups failed")
+
+
+MEASURERS = (Scans, PlainDrops, Lookups)

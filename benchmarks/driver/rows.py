@@ -1,0 +1,93 @@
+"""What is measured: the rows of the table and the lines of the plots. A new row is a line here and a contender that
+reports it."""
+
+import dataclasses
+
+
+@dataclasses.dataclass(frozen=True)
+class Row:
+    """One line of the table. `floor` is (row, contender) of what it is divided by; None where the goal is absolute."""
+
+    id: str
+    contender: str
+    operation: str
+    unit: str
+    floor: tuple | None
+    goal: float
+    stretch: float | None = None
+    rivals: tuple = ()
+    beside: tuple = ()  # shown with the rivals, but none of them
+
+
+SCAN_RIVALS_1 = ("find", "fd -j1", "python importlib", "zsh rehash")
+SCAN_RIVALS_2 = ("fd -j2",)
+LOOKUP_RIVALS = ("tbb accessor", "tbb equal_range")
+LEANEST = ("leanest table",)
+WALK = ("a1", "walk")
+
+
+def lookup_rows(row, operation, goal, stretch):
+    """The same question to the path itself and through a view."""
+    return tuple(Row(row, contender, words, "ns", (row, "flat map"), goal, stretch, LOOKUP_RIVALS, LEANEST)
+                 for contender, words in (("path", operation), ("view", "the same through a view")))
+
+
+ROWS = (
+    Row("a1", "project", "a new process scans until its path answers, 1 thread", "ms", WALK, 2.0, 1.6, SCAN_RIVALS_1),
+    Row("a2", "project", "the same, 2 threads", "ms", WALK, 1.2, 0.9, SCAN_RIVALS_2),
+    *lookup_rows("b1", "100,000 shuffled hits", 2.5, 1.7),
+    *lookup_rows("b2", "100,000 absent names", 1.7, 1.2),
+    *lookup_rows("b3", "16 hot names, 1 thread", 3.0, 1.5),
+    *lookup_rows("b4", "16 hot names, 2 threads", 3.0, 1.6),
+    Row("f1", "built", "resident bytes a file, once the path answers", "B", ("f1", "names"), 4.0, 2.8),
+    Row("f1", "handed out", "the same after every item was handed out", "B", ("f1", "names"), 10.0),
+    Row("g1", "project", "caller's time to release the last handle of the path", "ms", ("g1", "plain"), 0.01, 0.001),
+    Row("x1", "project", "a path made from the one before, one main entry replaced", "ms", None, 1.0),
+)
+
+
+@dataclasses.dataclass(frozen=True)
+class Series:
+    """One line of a plot; `kind` is project, floor or rival."""
+
+    row: str
+    contender: str
+    label: str
+    kind: str
+
+
+@dataclasses.dataclass(frozen=True)
+class Plot:
+    name: str
+    title: str
+    unit: str
+    series: tuple
+
+
+PLOTS = (
+    Plot("scan", "From nothing to an answering path", "ms", (
+        Series("a1", "project", "project, 1 thread", "project"),
+        Series("a2", "project", "project, 2 threads", "project"),
+        Series("a1", "walk", "floor: getdents64 walk", "floor"),
+        Series("a1", "find", "find", "rival"),
+        Series("a1", "fd -j1", "fd -j1", "rival"),
+        Series("a2", "fd -j2", "fd -j2", "rival"),
+        Series("a1", "python importlib", "python importlib", "rival"),
+        Series("a1", "zsh rehash", "zsh rehash", "rival"))),
+    Plot("look-up", "One look-up", "ns", (
+        Series("b1", "path", "project: hit", "project"),
+        Series("b1", "view", "project: hit, view", "project"),
+        Series("b2", "path", "project: absent", "project"),
+        Series("b1", "flat map", "floor: hit", "floor"),
+        Series("b2", "flat map", "floor: absent", "floor"),
+        Series("b1", "tbb accessor", "tbb accessor: hit", "rival"),
+        Series("b1", "tbb equal_range", "tbb equal_range: hit", "rival"))),
+    Plot("memory", "Resident memory for each file", "B", (
+        Series("f1", "built", "project: path answers", "project"),
+        Series("f1", "handed out", "project: items handed out", "project"),
+        Series("f1", "names", "floor: names alone", "floor"))),
+    Plot("change", "Changing a path and letting go of it", "ms", (
+        Series("x1", "project", "project: one entry replaced", "project"),
+        Series("g1", "project", "project: last handle released", "project"),
+        Series("g1", "plain", "floor: plain model dropped", "floor"))),
+)

@@ -1,0 +1,70 @@
+"""The folders that are measured: made once by tools/gen_tree.py, kept between runs."""
+
+import dataclasses
+import hashlib
+import json
+import pathlib
+import shutil
+import subprocess
+import sys
+
+SIZES = ("small", "medium", "large")
+SEED = 7
+SPARE_NAME = "kxSpareOfAll"
+
+
+@dataclasses.dataclass(frozen=True)
+class Tree:
+    size: str
+    home: pathlib.Path
+
+    @property
+    def root(self):
+        return self.home / "tree"
+
+    @property
+    def queries(self):
+        return self.home / "queries"
+
+    @property
+    def path_file(self):
+        """The main folders, absolute."""
+        return self.home / "main-folders.txt"
+
+    @property
+    def spare_folder(self):
+        """A folder as large as a usual one, which is not on the path and holds SPARE_NAME; it shadows no other name."""
+        return self.home / "spare"
+
+    @property
+    def facts(self):
+        return json.loads((self.home / "meta.json").read_text())
+
+    def questions(self, name, count):
+        """(name, absolute file) pairs."""
+        lines = (self.queries / f"{name}.txt").read_text().splitlines()[:count]
+        return [(stem, str(self.root / file)) for stem, file in (line.split("\t") for line in lines)]
+
+
+def make(size, folder, generator):
+    """The tree of a size below `folder`; takes a minute or two the first time a large one is wanted."""
+    home = folder / size
+    made = home / "made-by"
+    signature = f"{hashlib.sha256(generator.read_bytes()).hexdigest()} seed {SEED}\n"
+    if not made.exists() or made.read_text() != signature:
+        print(f"making the {size} tree", file=sys.stderr)
+        shutil.rmtree(home / "tree", ignore_errors=True)
+        subprocess.run([sys.executable, generator, "--preset", size, "--seed", str(SEED), "--cache", "--out", home],
+                       check=True, stdout=subprocess.DEVNULL)
+        made.write_text(signature)
+    tree = Tree(size, home.resolve())
+    folders = (tree.home / "path.txt").read_text().splitlines()
+    tree.path_file.write_text("".join(f"{tree.root / folder}\n" for folder in folders))
+    make_spare(tree)
+    return tree
+
+
+def make_spare(tree):
+    tree.spare_folder.mkdir(exist_ok=True)
+    for number in ("", *range(1, 100)):
+        (tree.spare_folder / f"{SPARE_NAME}{number}.kx").touch()

@@ -1,0 +1,128 @@
+// Builds a path and what it is compared with once, then measures a round for every number read from standard input.
+// Results are JSON lines; a line "done" follows each round, and the checked answers before the first.
+#include "programs/ChangeTrial.h"
+#include "programs/HostSession.h"
+#include "programs/LookupTrial.h"
+
+#include "path_utilities/DeduplicatedPath.h"
+#include "path_utilities/PathText.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+namespace {
+
+using namespace KxBenchmarks;
+using namespace PathManagement;
+
+struct Arguments {
+    std::string tree;
+    std::string pathFile;
+    std::string queries;
+    std::string spareFolder;
+    std::string spareName;
+};
+
+constexpr std::size_t shuffledNames = 100'000;
+constexpr std::size_t hotNames = 16;
+constexpr std::size_t hotRepeats = 50'000;
+
+/// What is asked, and everybody who answers.
+class Trial {
+public:
+    explicit Trial(const Arguments& arguments)
+        : path(HostSession::CreatePath(session.CreateEntries(ReadFolders(arguments.pathFile)))), catalogue(*path),
+          spareEntry(session.CreateEntries({GetIRIFromString(Tolvex::FromUtf8(arguments.spareFolder))}).front()),
+          spareName(arguments.spareName), hits(arguments.queries + "/hits.txt", arguments.tree),
+          absent(arguments.queries + "/absent.txt", arguments.tree),
+          front(arguments.queries + "/front.txt", arguments.tree),
+          back(arguments.queries + "/back.txt", arguments.tree) {
+        contenders = {MakeFlatMapContender(catalogue), MakeFlatTableContender(catalogue),
+                      MakePathContender("path", *path), MakeAccessorContender(catalogue),
+                      MakeEqualRangeContender(catalogue)};
+        view = std::make_shared<const DeduplicatedPath>(
+            std::vector<std::shared_ptr<const IPath>>{HostSession::CreatePath({spareEntry}), path});
+        contenders.push_back(MakePathContender("view", *view));
+    }
+
+    /// Every contender, every question; throws at the first wrong answer. Returns how many were asked.
+    [[nodiscard]] std::size_t DemandAllRightAnswers() const {
+        std::size_t asked = 0;
+        for (const auto& contender : contenders)
+            for (const Questions* questions : {&front, &back, &absent, &hits}) {
+                DemandRightAnswers(contender, *questions);
+                asked += questions->Get().size();
+            }
+        return asked;
+    }
+
+    void MeasureRound(std::uint32_t seed) {
+        // Whoever comes first finds the questions themselves cold, so the turn goes round.
+        std::ranges::rotate(contenders, contenders.begin() + 1);
+        const PackedNames shuffledHits = hits.Shuffle(seed, shuffledNames);
+        const PackedNames shuffledAbsent = absent.Shuffle(seed, shuffledNames);
+        const PackedNames hot = hits.Shuffle(seed + 1, hotNames);
+        MeasureRow("b1", {.names = shuffledHits.Get()});
+        MeasureRow("b2", {.names = shuffledAbsent.Get(), .areFound = false});
+        MeasureRow("b3", {.names = hot.Get(), .repeats = hotRepeats});
+        MeasureRow("b4", {.names = hot.Get(), .repeats = hotRepeats, .threads = 2});
+        Report("x1", "project", ChangeTrial(path, spareEntry, Tolvex::FromUtf8(spareName)).Measure(seed));
+    }
+
+private:
+    static void Report(const char* row, const std::string& contender, double value) {
+        fmt::print("{{\"row\": \"{}\", \"contender\": \"{}\", \"value\": {}}}\n", row, contender, value);
+    }
+
+    void MeasureRow(const char* row, const LookupTask& task) const {
+        for (const auto& contender : contenders)
+            Report(row, contender.name, contender.measure(task));
+    }
+
+    HostSession session;
+    std::shared_ptr<const IPath> path;
+    NameCatalogue catalogue;
+    std::shared_ptr<const IPathEntry> spareEntry;
+    std::string spareName;
+    Questions hits;
+    Questions absent;
+    Questions front;
+    Questions back;
+    std::shared_ptr<const IPath> view;
+    std::vector<LookupContender> contenders;
+};
+
+void Run(const Arguments& arguments) {
+    Trial trial(arguments);
+    fmt::print("{{\"answers\": {}}}\n", trial.DemandAllRightAnswers());
+    std::fflush(stdout);
+    for (std::uint32_t seed = 0; std::cin >> seed;) {
+        trial.MeasureRound(seed);
+        fmt::print("done\n");
+        std::fflush(stdout);
+    }
+}
+
+} // namespace
+
+int main(int count, char** texts) {
+    CLI::App app("Measures look-ups, a round for every number read from standard input");
+    Arguments arguments;
+    app.add_option("tree", arguments.tree, "The folder that answers lie below")->required();
+    app.add_option("pathfile", arguments.pathFile, "Absolute folders, one a line")->required();
+    app.add_option("queries", arguments.queries, "The folder of the questions")->required();
+    app.add_option("sparefolder", arguments.spareFolder, "A folder that is not on the path")->required();
+    app.add_option("sparename", arguments.spareName, "A name that only the spare folder has")->required();
+    CLI11_PARSE(app, count, texts);
+    try {
+        Run(arguments);
+        return 0;
+    } catch (const std::exception& problem) {
+        fmt::print(stderr, "lookup_rounds: {}\n", problem.what());
+        return 1;
+    }
+}

@@ -62,7 +62,7 @@ class Scans:
                 *(text for question in known for text in question))
 
     def rivals(self):
-        root, path_file = str(self.tree.root), str(self.tree.path_file)
+        root, path_file = str(self.tree.root), str(self.tree.all_folders_file)
         everybody = [
             Program("a1", "find", ("find", root, "-type", "f"), says_ready=False),
             *(Program(f"a{n}", f"fd -j{n}", ("fdfind", "--unrestricted", "--type", "f", "--threads", str(n), ".", root),

@@ -32,6 +32,11 @@ class Tree:
         return self.home / "main-folders.txt"
 
     @property
+    def all_folders_file(self):
+        """The main folders and their special child folders, absolute."""
+        return self.home / "all-folders.txt"
+
+    @property
     def spare_folder(self):
         """A folder as large as a usual one, which is not on the path and holds SPARE_NAME; it shadows no other name."""
         return self.home / "spare"
@@ -60,6 +65,8 @@ def make(size, folder, generator):
     tree = Tree(size, home.resolve())
     folders = (tree.home / "path.txt").read_text().splitlines()
     tree.path_file.write_text("".join(f"{tree.root / folder}\n" for folder in folders))
+    listed = (line.split("\t")[1] for line in (tree.home / "folders.txt").read_text().splitlines())
+    tree.all_folders_file.write_text("".join(f"{tree.root / folder}\n" for folder in listed))
     make_spare(tree)
     return tree
 

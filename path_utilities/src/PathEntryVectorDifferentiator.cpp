@@ -39,6 +39,7 @@ class Pairing {
 public:
     Pairing(EntrySpan before, EntrySpan after)
         : before(before), after(after), partners(after.size(), none), isPaired(before.size(), false) {
+        PairInLockStep();
         PairBy<std::hash<const IPathEntry*>>([](const IPathEntry& entry) { return &entry; });
         PairBy<Tolvex::IRIHash>([](const IPathEntry& entry) -> Tolvex::AbsoluteIRI { return entry.GetIRI(); });
     }
@@ -51,6 +52,7 @@ public:
     [[nodiscard]] std::vector<bool> FindLongestRunInOrder() const;
 
 private:
+    void PairInLockStep();
     template <class Hash, class Key>
     void PairBy(const Key& keyOf);
 
@@ -60,10 +62,36 @@ private:
     std::vector<bool> isPaired;
 };
 
+/// Pairs same objects that a walk over both lists meets together; where the lists differ, it looks a few places ahead
+/// for what comes again. Finds nearly all where a few folders came, went or moved, and needs no table for it.
+void Pairing::PairInLockStep() {
+    constexpr std::size_t lookAhead = 8;
+    std::size_t placeBefore = 0;
+    std::size_t placeAfter = 0;
+    while (placeBefore < before.size() && placeAfter < after.size()) {
+        const auto comingBefore = before.subspan(placeBefore).first(std::min(lookAhead, before.size() - placeBefore));
+        const auto comingAfter = after.subspan(placeAfter).first(std::min(lookAhead, after.size() - placeAfter));
+        const auto gone = std::ranges::find(comingBefore, comingAfter.front()) - comingBefore.begin();
+        const auto come = std::ranges::find(comingAfter, comingBefore.front()) - comingAfter.begin();
+        if (gone < std::ssize(comingBefore)) {
+            placeBefore += static_cast<std::size_t>(gone);
+        } else if (come < std::ssize(comingAfter)) {
+            placeAfter += static_cast<std::size_t>(come);
+        }
+        if (before[placeBefore] == after[placeAfter]) {
+            partners[placeAfter] = placeBefore;
+            isPaired[placeBefore] = true;
+        }
+        ++placeBefore;
+        ++placeAfter;
+    }
+}
+
 /// Pairs what is not paired yet and has the same key: the first of a key with the first, and so on.
 template <class Hash, class Key>
 void Pairing::PairBy(const Key& keyOf) {
     boost::unordered_flat_map<decltype(keyOf(*before.front())), std::size_t, Hash> firstOfKey;
+    firstOfKey.reserve(static_cast<std::size_t>(std::ranges::count(isPaired, false)));
     std::vector<std::size_t> nextOfKey(before.size(), none);
     for (std::size_t place = before.size(); place-- > 0;) {
         if (isPaired[place])

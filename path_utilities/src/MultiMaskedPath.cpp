@@ -5,8 +5,10 @@
 
 namespace PathManagement {
 
+// NOLINTBEGIN(performance-unnecessary-value-param): by value is what modules are compiled against
 MultiMaskedPath::MultiMaskedPath(std::shared_ptr<const IPath> path,
                                  std::vector<std::shared_ptr<const IPathEntry>> hiddenEntries)
+    // NOLINTEND(performance-unnecessary-value-param)
     : path(std::move(path)) {
     for (const auto& entry : hiddenEntries) {
         const ustring_view text = hidden.insert(entry->GetIRI()).first->getPath();

@@ -139,6 +139,7 @@ RC_GTEST_PROP(PathEntryVectorDifferentiator, TurnsTheOldListIntoTheNewWithFewest
 
 TEST(PathEntryVectorDifferentiator, CountsFoldersThatAreListedSeveralTimes) {
     PathWorld world({"/a/", "/b/", "/c/"});
+    const auto laterA = PathWorld(world.storage).Entry("/a");
     const auto a = world.Entry("/a");
     const auto b = world.Entry("/b");
     const auto c = world.Entry("/c");
@@ -150,8 +151,10 @@ TEST(PathEntryVectorDifferentiator, CountsFoldersThatAreListedSeveralTimes) {
     EXPECT_EQ(Where(*difference.GetRemoved()), "/c");
     EXPECT_THROW(difference.Compare({a}, {}, static_cast<ComparisonFilter>(2)), std::invalid_argument);
     EXPECT_EQ(difference.GetAdded(), added);
-    difference.Compare({a}, {a}, ComparisonFilter::asListed);
+    difference.Compare({a, a, b}, {b, laterA, laterA}, ComparisonFilter::asListed);
     EXPECT_TRUE(difference.GetAdded()->empty());
+    EXPECT_EQ(Where(*difference.GetReordered()), "/b");
+    EXPECT_EQ(*difference.GetRefreshedAfter(), (PathEntryVector{laterA, laterA}));
     EXPECT_EQ(Where(*added), "/b /b") << "what was handed out stays";
 }
 

@@ -7,6 +7,9 @@ add_library(kx_build_settings INTERFACE)
 target_compile_features(kx_build_settings INTERFACE cxx_std_20)
 # Unique symbols would pin a library in memory and merge statics across libraries that are meant to be apart.
 target_compile_options(kx_build_settings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+# Nobody replaces single functions of these libraries at load time, so calls inside one need no way round.
+target_compile_options(kx_build_settings INTERFACE $<$<NOT:$<CONFIG:Debug>>:-fno-semantic-interposition>)
+target_link_options(kx_build_settings INTERFACE $<$<NOT:$<CONFIG:Debug>>:LINKER:-Bsymbolic-functions>)
 
 if(KX_DEVELOPER)
   target_compile_options(kx_build_settings INTERFACE

@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace PathManagement {
@@ -21,27 +22,43 @@ std::uint64_t PrefixOf(ustring_view text) noexcept {
     return prefix;
 }
 
+/// A file name on its way to becoming an item.
 struct Draft {
-    std::uint64_t prefix;
     ustring_view name;
     ustring_view normalized;
-    std::size_t stemLength;
     std::uint32_t hash;
+    bool isItsOwnNormalForm;
+    bool sharesStemWithPrevious; // in sorted order; set once the drafts are
 
-    [[nodiscard]] ustring_view Stem() const noexcept { return name.substr(0, stemLength); }
-    [[nodiscard]] ustring_view Extension() const noexcept { return name.substr(stemLength); }
-    [[nodiscard]] bool IsItsOwnNormalForm() const noexcept { return normalized == Stem(); }
+    [[nodiscard]] ustring_view Stem() const noexcept { return name.substr(0, normalized.size()); }
+    [[nodiscard]] ustring_view Extension() const noexcept { return name.substr(normalized.size()); }
 };
 
-bool IsBefore(const Draft& a, const Draft& b) noexcept {
-    if (a.prefix != b.prefix)
-        return a.prefix < b.prefix;
-    if (const int order = a.normalized.compare(b.normalized))
-        return order < 0;
-    if (const int order = a.Stem().compare(b.Stem()))
-        return order < 0;
-    return a.Extension() < b.Extension();
-}
+/// What is sorted in place of the drafts, which are larger.
+struct SortKey {
+    std::uint64_t prefix;
+    std::uint32_t draft;
+};
+
+class IsBefore {
+public:
+    explicit IsBefore(const std::vector<Draft>& drafts) noexcept : drafts(drafts.data()) {}
+
+    bool operator()(const SortKey& a, const SortKey& b) const noexcept {
+        return a.prefix != b.prefix ? a.prefix < b.prefix : IsTextBefore(drafts[a.draft], drafts[b.draft]);
+    }
+
+private:
+    static bool IsTextBefore(const Draft& a, const Draft& b) noexcept {
+        if (const int order = a.normalized.compare(b.normalized))
+            return order < 0;
+        if (const int order = a.Stem().compare(b.Stem()))
+            return order < 0;
+        return a.Extension() < b.Extension();
+    }
+
+    const Draft* drafts;
+};
 
 } // namespace
 
@@ -56,9 +73,9 @@ class PathItemBlock::Builder {
 public:
     explicit Builder(std::span<const ustring_view> fileNames) {
         TakeApart(fileNames);
-        if (!std::is_sorted(drafts.begin(), drafts.end(), IsBefore)) // names from a cache file are
-            std::sort(drafts.begin(), drafts.end(), IsBefore);
-        textLength = MeasureTexts();
+        if (!std::is_sorted(keys.begin(), keys.end(), IsBefore(drafts))) // names from a cache file are
+            std::sort(keys.begin(), keys.end(), IsBefore(drafts));
+        textLength = LayOutTexts();
     }
 
     std::shared_ptr<const PathItemBlock> Build(const Tolvex::CanonicalAbsoluteIRI& location) const {
@@ -80,6 +97,7 @@ private:
             total += name.size();
         folded.resize(total);
         drafts.reserve(fileNames.size());
+        keys.reserve(fileNames.size());
         char16_t* out = folded.data();
         for (const ustring_view name : fileNames) {
             if (name.size() > maximumNameLength)
@@ -87,41 +105,47 @@ private:
             const FileNameParts parts = SplitFileName(name);
             const std::uint32_t hash = Tolvex::FoldAndHashName(parts.stem, out);
             const ustring_view normalized(out, parts.stem.size());
-            drafts.push_back({PrefixOf(normalized), name, normalized, parts.stem.size(), hash});
+            keys.push_back({PrefixOf(normalized), static_cast<std::uint32_t>(drafts.size())});
+            drafts.push_back({name, normalized, hash, Tolvex::IsSameText(normalized, parts.stem), false});
             out += parts.stem.size();
         }
     }
 
-    /// Lays the texts out: each stem that is not the stem before it, its normal form where that differs, and the
-    /// extensions of its files. A look-up that has come to a stem has all it compares at hand.
-    std::size_t MeasureTexts() {
+    /// Says how the texts will lie and how long they are: each stem that is not the stem before it, its normal form
+    /// where that differs, and the extensions of its files. A look-up that has come to a stem has all it compares at
+    /// hand.
+    std::size_t LayOutTexts() {
         std::size_t length = 0;
-        for (std::size_t i = 0; i < drafts.size(); ++i) {
-            if (!SharesStemWithPrevious(i))
-                length += drafts[i].stemLength * (drafts[i].IsItsOwnNormalForm() ? 1 : 2);
-            length += drafts[i].Extension().size();
+        const Draft* previous = nullptr;
+        for (const SortKey& key : keys) {
+            Draft& draft = drafts[key.draft];
+            draft.sharesStemWithPrevious = previous != nullptr && previous->hash == draft.hash &&
+                                           Tolvex::IsSameText(previous->Stem(), draft.Stem());
+            if (!draft.sharesStemWithPrevious)
+                length += draft.normalized.size() * (draft.isItsOwnNormalForm ? 1 : 2);
+            length += draft.Extension().size();
+            previous = &draft;
         }
         return length;
     }
 
-    [[nodiscard]] bool SharesStemWithPrevious(std::size_t i) const noexcept {
-        return i > 0 && drafts[i].Stem() == drafts[i - 1].Stem();
-    }
-
     void Fill(char* memory, std::size_t itemsEnd) const {
-        auto end = reinterpret_cast<char16_t*>(memory + itemsEnd);
-        const char16_t* stem = end;
-        for (std::size_t i = 0; i < drafts.size(); ++i) {
-            const Draft& draft = drafts[i];
-            if (!SharesStemWithPrevious(i)) {
-                stem = end;
-                end = std::copy_n(draft.name.data(), draft.stemLength, end);
-                if (!draft.IsItsOwnNormalForm())
-                    end = std::copy(draft.normalized.begin(), draft.normalized.end(), end);
+        auto append = [end = reinterpret_cast<char16_t*>(memory + itemsEnd)](ustring_view text) mutable {
+            text.copy(end, text.size());
+            return std::exchange(end, end + text.size());
+        };
+        char* place = memory + sizeof(PathItemBlock);
+        const char16_t* stem = nullptr;
+        for (const SortKey& key : keys) {
+            const Draft& draft = drafts[key.draft];
+            if (!draft.sharesStemWithPrevious) {
+                stem = append(draft.Stem());
+                if (!draft.isItsOwnNormalForm)
+                    append(draft.normalized);
             }
-            const char16_t* const extension = end;
-            end = std::copy(draft.Extension().begin(), draft.Extension().end(), end);
-            FillItem(memory + sizeof(PathItemBlock) + i * sizeof(PathItem), draft, stem, extension, memory);
+            const char16_t* const extension = append(draft.Extension());
+            FillItem(place, draft, stem, extension, memory);
+            place += sizeof(PathItem);
         }
     }
 
@@ -135,13 +159,14 @@ private:
         item->extension = distance(extension);
         item->folder = static_cast<std::uint32_t>(place - (memory + offsetof(PathItemBlock, folder)));
         item->nameHash = draft.hash;
-        item->stemLength = static_cast<std::uint16_t>(draft.stemLength);
+        item->stemLength = static_cast<std::uint16_t>(draft.normalized.size());
         item->extensionLength = static_cast<std::uint16_t>(draft.Extension().size());
         item->kind = static_cast<std::uint8_t>(Tolvex::GetItemKindForExtension(draft.Extension()));
-        item->normalizedFollows = !draft.IsItsOwnNormalForm();
+        item->normalizedFollows = !draft.isItsOwnNormalForm;
     }
 
     std::vector<Draft> drafts;
+    std::vector<SortKey> keys; // sorted as the items will be
     ustring folded;
     std::size_t textLength = 0;
 };

@@ -107,18 +107,26 @@ std::shared_ptr<const IPathEntry> PathSequence::GetPathEntryFromAbsoluteIRI(cons
 
 std::optional<FoundItem> PathSequence::FindFirstInScope(SearchScope scope, const SearchTarget& target,
                                                         FilenameMatchingPolicy policy) const {
-    for (std::size_t member = 0; member < members.size(); ++member) {
-        auto found = members[member].path->FindFirstInScope(scope, target, policy);
-        // An entry that an earlier path holds as the same object has been asked there, and had no answer.
-        if (!found || members[member].overlap != Overlap::otherEntries || !IsHidden(member, *found->GetEntry())) {
-            if (found)
-                return found;
-            continue;
-        }
-        if (auto all = FindAllInMember(member, scope, target, policy); !all.empty())
-            return std::move(all.front());
-    }
-    return std::nullopt;
+    if (members.empty())
+        return std::nullopt;
+    const std::size_t last = members.size() - 1;
+    for (std::size_t member = 0; member < last; ++member)
+        if (auto found = FindFirstInMember(member, scope, target, policy))
+            return found;
+    return FindFirstInMember(last, scope, target, policy);
+}
+
+std::optional<FoundItem> PathSequence::FindFirstInMember(std::size_t member, SearchScope scope,
+                                                         const SearchTarget& target,
+                                                         FilenameMatchingPolicy policy) const {
+    // An entry that an earlier path holds as the same object has been asked there, and had no answer.
+    if (members[member].overlap != Overlap::otherEntries)
+        return members[member].path->FindFirstInScope(scope, target, policy);
+    auto found = members[member].path->FindFirstInScope(scope, target, policy);
+    if (!found || !IsHidden(member, *found->GetEntry()))
+        return found;
+    auto all = FindAllInMember(member, scope, target, policy);
+    return all.empty() ? std::nullopt : std::optional(std::move(all.front()));
 }
 
 std::vector<FoundItem> PathSequence::FindAllInMember(std::size_t member, SearchScope scope, const SearchTarget& target,

@@ -3,8 +3,8 @@
 #include "IRIEscapes.h"
 #include "PathText.h"
 #include "foundation/diagnostics/Terminate.h"
+#include "foundation/text/NameHash.h"
 
-#include <functional>
 #include <stdexcept>
 
 namespace Tolvex {
@@ -30,9 +30,19 @@ std::string CheckScheme(std::string_view scheme) {
     return lower;
 }
 
+/// Whether a path that begins with a separator holds no empty name.
+bool IsTidy(ustring_view path) noexcept {
+    bool isTidy = path.back() != u'/';
+    for (std::size_t i = 1; i < path.size(); ++i)
+        isTidy &= path[i] != u'/' || path[i - 1] != u'/';
+    return isTidy;
+}
+
 ustring CheckPath(ustring_view path) {
-    if (!path.starts_with(u'/') || path.find(u'\0') != ustring_view::npos)
+    if (!path.starts_with(u'/') || ContainsUnit(path, u'\0'))
         throw std::invalid_argument("not an absolute path");
+    if (IsTidy(path))
+        return ustring(path);
     ustring tidy;
     tidy.reserve(path.size());
     ForEachName(path, [&](ustring_view name) { AppendName(tidy, name); });
@@ -48,7 +58,7 @@ ustring_view AsPrefix(ustring_view path) noexcept {
 
 struct AbsoluteIRI::Text {
     Text(std::string scheme, ustring path)
-        : scheme(std::move(scheme)), path(std::move(path)), hash(std::hash<ustring>()(this->path)) {}
+        : scheme(std::move(scheme)), path(std::move(path)), hash(HashName(this->path)) {}
 
     std::string scheme;
     ustring path;

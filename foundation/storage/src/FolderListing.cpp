@@ -1,5 +1,6 @@
 #include "foundation/storage/FolderListing.h"
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 
@@ -15,20 +16,26 @@ FolderListing::Item MakeItem(std::size_t offset, std::size_t length, FolderListi
 } // namespace
 
 void FolderListing::Clear() noexcept {
-    names.clear();
+    used = 0;
     items.clear();
 }
 
 void FolderListing::Add(ustring_view name, Kind kind) {
-    const auto item = MakeItem(names.size(), name.size(), kind);
-    names += name;
-    items.push_back(item);
+    items.push_back(MakeItem(used, name.size(), kind));
+    used += name.copy(MakeRoom(name.size()), name.size());
 }
 
 void FolderListing::AddUtf8(std::string_view name, Kind kind) {
-    const auto offset = names.size();
-    AppendFromUtf8(names, name);
-    items.push_back(MakeItem(offset, names.size() - offset, kind));
+    const std::size_t length = ConvertFromUtf8(name, MakeRoom(name.size()));
+    items.push_back(MakeItem(used, length, kind));
+    used += length;
+}
+
+/// Where the next name goes, with room for so many code units.
+char16_t* FolderListing::MakeRoom(std::size_t units) {
+    if (names.size() - used < units)
+        names.resize(std::max(2 * names.size(), used + units));
+    return names.data() + used;
 }
 
 } // namespace Tolvex

@@ -26,16 +26,30 @@ constexpr bool IsEscape(char16_t unit) {
     return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF;
 }
 
-/// Widens the ASCII bytes at the start of `bytes`, eight at a time while they last; returns how many.
+/// Widens a block of bytes when all are ASCII.
+template <class Block>
+bool WidenBlock(const char* bytes, char16_t* out) {
+    Block block = 0;
+    std::memcpy(&block, bytes, sizeof(block));
+    if ((block & static_cast<Block>(0x8080808080808080U)) != 0)
+        return false;
+    for (std::size_t i = 0; i != sizeof(block); ++i)
+        out[i] = static_cast<unsigned char>(bytes[i]);
+    return true;
+}
+
+/// Widens ASCII bytes at the start of `bytes`, a block at a time, the last overlapping the one before; returns how
+/// many.
 std::size_t WidenAscii(std::string_view bytes, char16_t* out) {
-    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    constexpr std::size_t block = sizeof(std::uint64_t);
     std::size_t done = 0;
-    for (std::uint64_t block = 0; bytes.size() - done >= sizeof(block); done += sizeof(block)) {
-        std::memcpy(&block, bytes.data() + done, sizeof(block));
-        if ((block & highBits) != 0)
-            break;
-        for (std::size_t i = 0; i != sizeof(block); ++i)
-            out[done + i] = static_cast<unsigned char>(bytes[done + i]);
+    if (bytes.size() >= block) {
+        for (; done + block < bytes.size(); done += block)
+            if (!WidenBlock<std::uint64_t>(bytes.data() + done, out + done))
+                break;
+        const std::size_t last = bytes.size() - block;
+        if (done >= last && WidenBlock<std::uint64_t>(bytes.data() + last, out + last))
+            return bytes.size();
     }
     for (; done != bytes.size() && static_cast<unsigned char>(bytes[done]) < 0x80; ++done)
         out[done] = static_cast<unsigned char>(bytes[done]);

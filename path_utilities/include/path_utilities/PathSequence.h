@@ -62,6 +62,9 @@ private:
     [[nodiscard]] PathEntryVector Collect(const Get& get) const;
     template <class Walk>
     [[nodiscard]] bool WalkMembers(const PathEntryCallback& callback, const Walk& walk) const;
+    [[nodiscard]] std::optional<FoundItem> FindFirstInMember(std::size_t member, SearchScope scope,
+                                                             const SearchTarget& target,
+                                                             FilenameMatchingPolicy policy) const;
     [[nodiscard]] std::vector<FoundItem> FindAllInMember(std::size_t member, SearchScope scope,
                                                          const SearchTarget& target,
                                                          FilenameMatchingPolicy policy) const;

@@ -137,15 +137,20 @@ std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const Absolu
 std::optional<FoundItem> Path::FindFirstInScope(SearchScope scope, const SearchTarget& target,
                                                 FilenameMatchingPolicy policy) const {
     // No file's name holds a separator, so nothing is found here that a partial pathname should not find, and a name
-    // that is found needs no look for separators.
-    if (auto found = FindFirstByName(scope, target, policy); found || IsPlainName(target.GetName()))
+    // that is found needs no look for separators. Every return gives one variable, which is then made where the caller
+    // wants it instead of being moved there.
+    auto found = FindFirstByName(scope, target, policy);
+    if (found || IsPlainName(target.GetName()))
         return found;
     const PartialPathname pathname(target.GetName());
     const SearchTarget inFolder = target.WithName(pathname.stem);
-    for (const Place& place : FindFolders(scope, pathname.folders))
-        if (auto item = place.slot->entry->FindFirst(inFolder, policy))
-            return FoundItem(index->GetHandle(place), std::move(item));
-    return std::nullopt;
+    for (const Place& place : FindFolders(scope, pathname.folders)) {
+        if (auto item = place.slot->entry->FindFirst(inFolder, policy)) {
+            found.emplace(index->GetHandle(place), std::move(item));
+            break;
+        }
+    }
+    return found;
 }
 
 std::vector<FoundItem> Path::FindAllInScope(SearchScope scope, const SearchTarget& target,
@@ -163,12 +168,15 @@ std::optional<FoundItem> Path::FindFirstByName(SearchScope scope, const SearchTa
     index->ForEachLayerWithName(target.GetNameHash(), [&](const LayeredIndex::NamedEntries& entries) {
         FindFirstInLayer(*index, entries, question, winner);
     });
+    std::optional<FoundItem> found;
     if (winner.slot == nullptr)
-        return std::nullopt;
+        return found;
     auto handle = index->GetHandle(winner.GetMainPlace(), *winner.slot);
     if (winner.item == nullptr)
-        return FoundItem(std::move(handle), winner.slot->entry->FindFirst(target, policy));
-    return FoundItem(std::move(handle), *winner.item);
+        found.emplace(std::move(handle), winner.slot->entry->FindFirst(target, policy));
+    else
+        found.emplace(std::move(handle), *winner.item);
+    return found;
 }
 
 std::vector<FoundItem> Path::FindAllByName(SearchScope scope, const SearchTarget& target,

@@ -61,7 +61,9 @@ private:
 
 /// For std::unordered containers: std::unordered_set<AbsoluteIRI, IRIHash>.
 struct IRIHash {
-    std::size_t operator()(const AbsoluteIRI& iri) const noexcept { return iri.hashValue(); }
+    // Not noexcept, though it throws nothing: libstdc++ then keeps the hash in each node, which spares a look at every
+    // key of a bucket.
+    std::size_t operator()(const AbsoluteIRI& iri) const { return iri.hashValue(); }
 };
 
 } // namespace Tolvex

@@ -28,11 +28,14 @@ public:
     [[nodiscard]] const std::vector<Item>& GetItems() const noexcept { return items; }
     /// Valid until the listing is next changed.
     [[nodiscard]] ustring_view GetName(const Item& item) const noexcept {
-        return ustring_view(names).substr(item.offset, item.length);
+        return {names.data() + item.offset, item.length};
     }
 
 private:
-    ustring names;
+    [[nodiscard]] char16_t* MakeRoom(std::size_t units);
+
+    ustring names; // as long as it has ever been, so that its room is cleared once
+    std::size_t used = 0;
     std::vector<Item> items;
 };
 

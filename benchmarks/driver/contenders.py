@@ -41,24 +41,31 @@ class Program:
         return [(self.row, self.contender, taken * MILLISECONDS), *read_records(more)]
 
 
-class Scans:
-    """Rows a, and what the scanned path weighs and costs to release."""
+class Starts:
+    """Rows a, what the scanned path weighs and costs to release, and the start from a cache file."""
 
-    rows = ("a1", "a2", "f1", "g1")
+    rows = ("a1", "a2", "c2", "c3", "f1", "g1")
 
     def __init__(self, tree, programs, rows):
         self.tree = tree
+        from_cache = ("--cache", tree.cache_file, "--root", tree.root)
         built = [Program("a1", "walk", (programs / "scan_floor", tree.path_file)),
-                 Program("a1", "project", self.scan_command(programs, 1)),
-                 Program("a2", "project", self.scan_command(programs, 2))]
-        # a1 always: its walk is the floor of a2, and its process reports f1 and g1.
-        self.programs = [program for program in built if program.row in ("a1", *rows)]
+                 Program("a1", "project", self.start_command(programs, 1)),
+                 Program("a2", "project", self.start_command(programs, 2)),
+                 Program("c2", "read", (programs / "read_floor", tree.cache_file)),
+                 Program("c2", "1 thread", self.start_command(programs, 1, *from_cache)),
+                 Program("c2", "2 threads", self.start_command(programs, 2, *from_cache))]
+        # a1 always: its walk is the floor of a2, its project that of c3, and its process reports f1 and g1.
+        wanted = {"a1", *rows} | ({"c2"} if "c3" in rows else set())
+        self.programs = [program for program in built if program.row in wanted]
         self.programs += [rival for rival in self.rivals() if rival.row in rows]
-        built[0].measure()  # so that the folders are in memory
+        for program in built:
+            if program.contender in ("walk", "read"):
+                program.measure()  # so that the folders and the file are in memory
 
-    def scan_command(self, programs, threads):
+    def start_command(self, programs, threads, *options):
         known = [*self.tree.questions("front", 10), *self.tree.questions("back", 10), *self.tree.questions("hits", 10)]
-        return (programs / "scan_project", "--threads", str(threads), "--", self.tree.path_file,
+        return (programs / "scan_project", "--threads", str(threads), *options, "--", self.tree.path_file,
                 *(text for question in known for text in question))
 
     def rivals(self):
@@ -74,7 +81,10 @@ class Scans:
     def measure(self, round_number):
         turn = round_number % len(self.programs)
         for program in self.programs[turn:] + self.programs[:turn]:
-            yield from program.measure()
+            for row, contender, value in program.measure():
+                yield row, contender, value
+                if row == "c2" and contender == "1 thread":
+                    yield "c3", contender, value  # the same start, beside another floor
 
     def close(self):
         pass
@@ -96,21 +106,17 @@ class PlainDrops:
         pass
 
 
-class Lookups:
-    """Rows b and x: one process that lives through all rounds."""
+class Rounds:
+    """One process that lives through all rounds."""
 
-    rows = ("b1", "b2", "b3", "b4", "x1")
-
-    def __init__(self, tree, programs, _rows):
-        command = (programs / "lookup_rounds", tree.root, tree.path_file, tree.queries, tree.spare_folder,
-                   trees.SPARE_NAME)
+    def __init__(self, *command):
+        self.program = command[0].name
         self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        self.answers = json.loads(self.read_line())["answers"]
 
     def read_line(self):
         line = self.process.stdout.readline()
         if not line:
-            raise RuntimeError("the look-ups ended early")
+            raise RuntimeError(f"{self.program} ended early")
         return line
 
     def measure(self, round_number):
@@ -121,7 +127,44 @@ class Lookups:
     def close(self):
         self.process.stdin.close()
         if self.process.wait() != 0:
-            raise RuntimeError("the look-ups failed")
+            raise RuntimeError(f"{self.program} failed")
 
 
-MEASURERS = (Scans, PlainDrops, Lookups)
+class Lookups(Rounds):
+    """Rows b and x."""
+
+    rows = ("b1", "b2", "b3", "b4", "x1")
+
+    def __init__(self, tree, programs, _rows):
+        super().__init__(programs / "lookup_rounds", tree.root, tree.path_file, tree.queries, tree.spare_folder,
+                         trees.SPARE_NAME)
+        self.answers = json.loads(self.read_line())["answers"]
+
+
+class CacheReadings(Rounds):
+    """Row c1."""
+
+    rows = ("c1",)
+
+    def __init__(self, tree, programs, _rows):
+        super().__init__(programs / "cache_rounds", tree.cache_file)
+
+
+class Refreshes(Rounds):
+    """Row d2."""
+
+    rows = ("d2",)
+    options = ()
+
+    def __init__(self, tree, programs, _rows):
+        super().__init__(programs / "refresh_rounds", *self.options, tree.path_file, tree.all_folders_file)
+
+
+class WatchedRefreshes(Refreshes):
+    """Row d1."""
+
+    rows = ("d1",)
+    options = ("--watched",)
+
+
+MEASURERS = (Starts, PlainDrops, Lookups, CacheReadings, WatchedRefreshes, Refreshes)

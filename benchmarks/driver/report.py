@@ -21,6 +21,8 @@ def times(spread):
 
 
 def verdict(row, value):
+    if row.goal is None:
+        return "-"
     if row.stretch is not None and value <= row.stretch:
         return "stretch"
     return "goal" if value <= row.goal else "**missed**"

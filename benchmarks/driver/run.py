@@ -61,7 +61,7 @@ def measure(arguments, made):
     try:
         for tree in made:
             measurers += [(tree.size, kind(tree, BUILD / "benchmarks", arguments.rows))
-                          for kind in contenders.MEASURERS if set(kind.rows) & set(arguments.rows)]
+                          for kind in contenders.MEASURERS if set(kind.rows) & wanted]
         for round_number in range(1, arguments.rounds + 1):
             print(f"round {round_number} of {arguments.rounds}", file=sys.stderr)
             for size, measurer in measurers:
@@ -78,6 +78,8 @@ def main():
     arguments = parse_arguments()
     subprocess.run([HOME / "scripts" / "build-preset", "bench"], check=True, stdout=sys.stderr)
     made = [trees.make(size, TREES, HOME / "tools" / "gen_tree.py") for size in arguments.sizes]
+    for tree in made:
+        trees.write_cache_file(tree, BUILD / "apps" / "tolvexpath" / "tolvexpath")
     run = {"date": datetime.date.today().isoformat(), "rounds": arguments.rounds,
            "command": shlex.join(["scripts/bench", *sys.argv[1:]]), "machine": machine.describe(BUILD, TREES),
            "absent": [name for program, name in RIVAL_PROGRAMS.items() if not shutil.which(program)],

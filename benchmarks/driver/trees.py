@@ -7,10 +7,12 @@ import pathlib
 import shutil
 import subprocess
 import sys
+import time
 
 SIZES = ("small", "medium", "large")
 SEED = 7
 SPARE_NAME = "kxSpareOfAll"
+SETTLING = 2.5  # seconds; a cache file does not speak for folders that changed two seconds before it was written
 
 
 @dataclasses.dataclass(frozen=True)
@@ -42,6 +44,11 @@ class Tree:
         return self.home / "spare"
 
     @property
+    def cache_file(self):
+        """A path cache file of the main folders for `root`, written by the project."""
+        return self.home / "path.cache"
+
+    @property
     def facts(self):
         return json.loads((self.home / "meta.json").read_text())
 
@@ -62,6 +69,7 @@ def make(size, folder, generator):
         subprocess.run([sys.executable, generator, "--preset", size, "--seed", str(SEED), "--cache", "--out", home],
                        check=True, stdout=subprocess.DEVNULL)
         made.write_text(signature)
+        time.sleep(SETTLING)
     tree = Tree(size, home.resolve())
     folders = (tree.home / "path.txt").read_text().splitlines()
     tree.path_file.write_text("".join(f"{tree.root / folder}\n" for folder in folders))
@@ -69,6 +77,11 @@ def make(size, folder, generator):
     tree.all_folders_file.write_text("".join(f"{tree.root / folder}\n" for folder in listed))
     make_spare(tree)
     return tree
+
+
+def write_cache_file(tree, command_line):
+    subprocess.run([command_line, "cache", "write", tree.root, "--path-file", tree.path_file, "--output",
+                    tree.cache_file], check=True, stdout=subprocess.DEVNULL)
 
 
 def make_spare(tree):

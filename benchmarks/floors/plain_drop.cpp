@@ -3,10 +3,8 @@
 #include "floors/PlainModel.h"
 #include "floors/linux/FolderWalk.h"
 #include "foundation/text/CaseFolding.h"
+#include "programs/Measurements.h"
 
-#include <fmt/core.h>
-
-#include <chrono>
 #include <fstream>
 
 namespace {
@@ -55,10 +53,7 @@ int main(int count, char** arguments) {
     if (seen.files == 0)
         return 1;
     const auto bytesPerFile = static_cast<double>(seen.codeUnits * sizeof(char16_t)) / static_cast<double>(seen.files);
-    const auto start = std::chrono::steady_clock::now();
-    PlainPath().swap(path);
-    const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
-    fmt::print("{{\"row\": \"g1\", \"contender\": \"plain\", \"value\": {}}}\n", taken.count());
-    fmt::print("{{\"row\": \"f1\", \"contender\": \"names\", \"value\": {}}}\n", bytesPerFile);
+    Report("g1", "plain", MeasureMilliseconds([&path] { PlainPath().swap(path); }));
+    Report("f1", "names", bytesPerFile);
     return 0;
 }

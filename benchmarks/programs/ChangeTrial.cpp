@@ -1,11 +1,9 @@
 #include "programs/ChangeTrial.h"
 
 #include "programs/HostSession.h"
+#include "programs/Measurements.h"
 #include "search_path/Accessors.h"
 
-#include <algorithm>
-#include <array>
-#include <chrono>
 #include <random>
 #include <stdexcept>
 
@@ -20,23 +18,18 @@ ChangeTrial::ChangeTrial(std::shared_ptr<const IPath> path, std::shared_ptr<cons
 double ChangeTrial::Measure(std::uint32_t seed) const {
     std::mt19937 random(seed);
     std::uniform_int_distribution<std::size_t> places(0, path->GetMainEntries()->size() - 1);
-    std::array<double, 15> times{};
-    std::ranges::generate(times, [&] { return MeasureAt(places(random)); });
-    const auto middle = times.begin() + times.size() / 2;
-    std::ranges::nth_element(times, middle);
-    return *middle;
+    return MedianOf(15, [&] { return MeasureAt(places(random)); });
 }
 
 double ChangeTrial::MeasureAt(std::size_t place) const {
     auto entries = std::make_shared<PathEntryVector>(*path->GetMainEntries());
     (*entries)[place] = replacement;
-    const auto start = std::chrono::steady_clock::now();
-    const auto derived = GetCurrentPathFactory().CreatePath(entries, path);
-    const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - start;
+    std::shared_ptr<const IPath> derived;
+    const double taken = MeasureMilliseconds([&] { derived = GetCurrentPathFactory().CreatePath(entries, path); });
     const auto found = HostSession::Find(*derived, newName);
     if (!found || found->GetEntry()->GetIRI() != replacement->GetIRI())
         throw std::runtime_error("a derived path does not know the entry that was put in");
-    return taken.count();
+    return taken;
 }
 
 } // namespace KxBenchmarks

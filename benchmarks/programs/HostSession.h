@@ -12,6 +12,9 @@ namespace KxBenchmarks {
 /// exported accessors.
 class HostSession {
 public:
+    explicit HostSession(PathManagement::FolderMonitoringLevel level = PathManagement::FolderMonitoringLevel::timeCheck)
+        : monitor(level) {}
+
     /// Throws std::runtime_error when an entry is missing: what is measured would not be what it is taken for.
     [[nodiscard]] PathManagement::PathEntryVector CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& folders) const;
 

@@ -3,6 +3,7 @@
 #include "programs/ChangeTrial.h"
 #include "programs/HostSession.h"
 #include "programs/LookupTrial.h"
+#include "programs/Measurements.h"
 
 #include "path_utilities/DeduplicatedPath.h"
 #include "path_utilities/PathText.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
 
 namespace {
 
@@ -74,10 +74,6 @@ public:
     }
 
 private:
-    static void Report(const char* row, const std::string& contender, double value) {
-        fmt::print("{{\"row\": \"{}\", \"contender\": \"{}\", \"value\": {}}}\n", row, contender, value);
-    }
-
     void MeasureRow(const char* row, const LookupTask& task) const {
         for (const auto& contender : contenders)
             Report(row, contender.name, contender.measure(task));
@@ -100,11 +96,7 @@ void Run(const Arguments& arguments) {
     Trial trial(arguments);
     fmt::print("{{\"answers\": {}}}\n", trial.DemandAllRightAnswers());
     std::fflush(stdout);
-    for (std::uint32_t seed = 0; std::cin >> seed;) {
-        trial.MeasureRound(seed);
-        fmt::print("done\n");
-        std::fflush(stdout);
-    }
+    ServeRounds([&trial](std::uint32_t seed) { trial.MeasureRound(seed); });
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "path_utilities/ToolboxCacheReader.h"
 
 #include "StreamCursor.h"
+#include "ToolboxCacheRecordDraft.h"
 
 #include <cstring>
 #include <string>
@@ -13,6 +14,18 @@ constexpr std::string_view rootElement = "<Harrowfen type=\"Path Cache File\" ve
 
 constexpr bool IsWhiteSpace(char character) noexcept {
     return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
+/// How much of it stands at the beginning of a text.
+constexpr std::size_t CountWhiteSpace(std::string_view text) noexcept {
+    std::size_t length = 0;
+    while (length < text.size() && IsWhiteSpace(text[length]))
+        ++length;
+    return length;
+}
+
+constexpr bool IsFileKind(char element) noexcept {
+    return element == 'C' || element == 'N' || element == 'U';
 }
 
 } // namespace
@@ -51,51 +64,68 @@ private:
     }
 
     std::shared_ptr<const ToolboxCacheRecord> ReadTopLevelFolder() {
-        auto record = std::make_shared<ToolboxCacheRecord>();
-        std::uint32_t folder = BeginFolder(*record, Folder::none);
+        draft.Begin();
+        std::uint32_t folder = BeginFolder(Folder::none);
         while (folder != Folder::none) {
+            ReadFilesAtHand(folder);
             const char element = ReadElementStart();
             switch (element) {
             case '/':
                 Match("D>");
-                folder = record->folders[folder].parent;
+                folder = draft.GetParent(folder);
                 break;
             case 'D':
-                folder = BeginFolder(*record, folder);
+                folder = BeginFolder(folder);
                 break;
             case 'C':
             case 'N':
             case 'U':
-                ReadFile(*record, folder, element);
+                ReadName([&](std::string_view name) { draft.AddFile(name, folder, element); });
+                Match("/>");
                 break;
             default:
                 Refuse("\"D\", \"C\", \"N\", \"U\" or \"/\"");
             }
         }
-        record->GroupFiles();
-        return record;
+        return draft.Finish();
     }
 
-    std::uint32_t BeginFolder(ToolboxCacheRecord& record, std::uint32_t parent) {
-        Folder folder;
-        folder.parent = parent;
-        folder.nameBegin = CheckSize(record.names.size());
-        ReadName(record.names);
-        folder.nameLength = CheckSize(record.names.size() - folder.nameBegin);
+    std::uint32_t BeginFolder(std::uint32_t parent) {
+        std::uint32_t folder = 0;
+        ReadName([&](std::string_view name) { folder = draft.AddFolder(name, parent); });
         Match(">");
-        record.folders.push_back(folder);
-        return CheckSize(record.folders.size() - 1);
+        return folder;
     }
 
-    void ReadFile(ToolboxCacheRecord& record, std::uint32_t folder, char kind) {
-        const std::uint32_t begin = CheckSize(record.names.size());
-        ReadName(record.names);
-        Match("/>");
-        record.files.push_back({begin, CheckSize(record.names.size() - begin), folder, kind});
+    /// Reads files, nearly all there are, that the stream's buffer holds whole and that are spelled as they are
+    /// written. Stops before the first thing that is anything else.
+    void ReadFilesAtHand(std::uint32_t folder) {
+        const std::string_view available = cursor.GetAvailable();
+        std::string_view rest = available;
+        while (ReadFileAtHand(rest, folder)) {
+        }
+        cursor.Take(available.size() - rest.size());
     }
 
-    /// Reads a name attribute and appends its value.
-    void ReadName(ustring& names) {
+    bool ReadFileAtHand(std::string_view& text, std::uint32_t folder) {
+        const std::string_view element = text.substr(CountWhiteSpace(text));
+        constexpr std::size_t nameBegin = std::string_view("<C name=\"").size();
+        if (element.size() < nameBegin || element[0] != '<' || !IsFileKind(element[1]) ||
+            std::memcmp(&element[2], " name=\"", nameBegin - 2) != 0)
+            return false;
+        const std::size_t nameEnd = element.find('"', nameBegin);
+        constexpr std::string_view end = "\"/>";
+        if (nameEnd == std::string_view::npos || element.size() < nameEnd + end.size() ||
+            std::memcmp(&element[nameEnd], end.data(), end.size()) != 0)
+            return false;
+        draft.AddFile(element.substr(nameBegin, nameEnd - nameBegin), folder, element[1]);
+        text = element.substr(nameEnd + end.size());
+        return true;
+    }
+
+    /// Reads a name attribute and calls `use` with its value.
+    template <class Use>
+    void ReadName(const Use& use) {
         SkipWhiteSpace();
         Match("name=\"");
         unfinishedName.clear();
@@ -107,10 +137,8 @@ private:
                 cursor.Take(available.size());
                 continue;
             }
-            if (unfinishedName.empty())
-                Tolvex::AppendFromUtf8(names, available.substr(0, quote));
-            else
-                Tolvex::AppendFromUtf8(names, unfinishedName.append(available.substr(0, quote)));
+            use(unfinishedName.empty() ? available.substr(0, quote)
+                                       : unfinishedName.append(available.substr(0, quote)));
             return cursor.Take(quote + 1);
         }
     }
@@ -124,9 +152,7 @@ private:
     void SkipWhiteSpace() {
         for (;;) {
             const std::string_view available = cursor.GetAvailable();
-            std::size_t length = 0;
-            while (length < available.size() && IsWhiteSpace(available[length]))
-                ++length;
+            const std::size_t length = CountWhiteSpace(available);
             cursor.Take(length);
             if (length < available.size() || available.empty())
                 return;
@@ -176,14 +202,8 @@ private:
                                                std::string(expected) + ".");
     }
 
-    std::uint32_t CheckSize(std::size_t size) const {
-        if (size >= Folder::none)
-            throw ToolboxCacheWrongFormatException(
-                "The path cache file holds a folder whose names need more than four thousand million characters.");
-        return static_cast<std::uint32_t>(size);
-    }
-
     StreamCursor cursor;
+    ToolboxCacheRecordDraft draft;
     bool isAtEnd = false;
     std::string unfinishedName; // the beginning of a name that the stream's buffer does not hold whole
 };

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <sstream>
 
 namespace PathManagement {
@@ -189,6 +190,42 @@ TEST(ToolboxCacheReader, AStreamThatFailsIsRefused) {
     std::istringstream failed(sample);
     failed.setstate(std::ios_base::badbit);
     EXPECT_FALSE(Read(failed).message.empty());
+}
+
+/// Appends a folder of random contents to a file and returns how it is described.
+std::string AppendRandomFolder(std::mt19937& random, const std::string& name, int depth, std::string& text) {
+    std::string folders;
+    std::string files;
+    text += "<D name=\"" + name + "\">";
+    for (auto parts = random() % 60; parts > 0; --parts) {
+        if (depth < 3 && random() % 20 == 0) {
+            folders += AppendRandomFolder(random, name + "/d", depth + 1, text);
+        } else {
+            const std::string file = std::string(random() % 40, 'a') + (random() % 3 == 0 ? "\u00f6" : ".kx");
+            text += "\n <U name=\"" + file + "\"/>";
+            files += "U:" + file + " ";
+        }
+    }
+    text += "</D>";
+    return name + "{" + folders + "}(" + files + ")";
+}
+
+TEST(ToolboxCacheReader, RecordsStayWhatTheyAreWhileOthersAreRead) {
+    std::mt19937 random(7);
+    std::string text = head;
+    std::vector<std::string> expected(60);
+    for (auto& folder : expected)
+        folder = AppendRandomFolder(random, "r", 0, text);
+    text += tail;
+    for (const std::size_t piece : {std::size_t{1}, std::size_t{100}, text.size()}) {
+        SlowBuffer buffer(text, piece);
+        std::istream stream(&buffer);
+        std::vector<std::shared_ptr<const ToolboxCacheRecord>> records;
+        ReadToolboxCache(stream, [&](auto record) { records.push_back(std::move(record)); });
+        ASSERT_EQ(records.size(), expected.size()) << piece;
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            ASSERT_EQ(Describe(*records[i]), expected[i]) << piece;
+    }
 }
 
 TEST(ToolboxCacheReader, DepthCostsNoStack) {

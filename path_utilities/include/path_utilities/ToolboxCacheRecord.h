@@ -49,13 +49,18 @@ public:
         return ustring_view(names).substr(file.nameBegin, file.nameLength);
     }
 
-private:
-    friend class ToolboxCacheReader;
+    /// The part of the record's text that holds the names of consecutive files of one folder, and, when the cache file
+    /// has child folders between them, more. Empty when there are no files.
+    [[nodiscard]] ustring_view GetText(std::span<const File> filesOfFolder) const noexcept {
+        if (filesOfFolder.empty())
+            return {};
+        const File& last = filesOfFolder.back();
+        const std::uint32_t begin = filesOfFolder.front().nameBegin;
+        return ustring_view(names).substr(begin, last.nameBegin + last.nameLength - begin);
+    }
 
-    /// Puts each folder's files together; ordinary ones stand that way already.
-    void GroupFiles();
-    /// Tells the folders where their files stand; false when those of one stand apart.
-    [[nodiscard]] bool AssignFiles() noexcept;
+private:
+    friend class ToolboxCacheRecordDraft;
 
     ustring names;
     std::vector<Folder> folders;

@@ -19,8 +19,12 @@ constexpr std::uint32_t none = ToolboxCacheRecord::Folder::none;
 /// So many records are read and not made into entries yet, at most.
 constexpr std::size_t recordsInWork = 32;
 
+bool HoldsSeparator(ustring_view text) {
+    return Tolvex::ContainsUnit(text, u'/') || Tolvex::ContainsUnit(text, u'\0');
+}
+
 bool IsName(ustring_view name) {
-    return !name.empty() && name != u"." && name != u".." && name.find_first_of(ustring_view(u"/\0", 2)) == name.npos;
+    return !name.empty() && name != u"." && name != u".." && !HoldsSeparator(name);
 }
 
 /// Whether a text is a chain of names with one "/" in between, not deeper than any folder that is made into an entry.
@@ -36,8 +40,18 @@ bool IsRelativePath(ustring_view path) {
     return false;
 }
 
-bool IsFileName(ustring_view name) {
-    return IsName(name) && name.size() <= PathItemBlock::maximumNameLength;
+/// Appends the names of files that a folder can hold. One look at the text in which all of them lie mostly says that
+/// there is no separator in any.
+void AppendFileNames(const ToolboxCacheRecord& record, std::span<const ToolboxCacheRecord::File> files,
+                     std::vector<ustring_view>& names) {
+    names.reserve(names.size() + files.size());
+    const bool mayHoldSeparators = HoldsSeparator(record.GetText(files));
+    for (const ToolboxCacheRecord::File& file : files) {
+        const ustring_view name = record.GetName(file);
+        const bool isName = (name.size() > 2 && !mayHoldSeparators) || IsName(name);
+        if (isName && name.size() <= PathItemBlock::maximumNameLength)
+            names.push_back(name);
+    }
 }
 
 } // namespace
@@ -151,9 +165,7 @@ std::shared_ptr<const PathEntry> ToolboxCacheLoader::MakeEntry(const ToolboxCach
     for (std::uint32_t child = place.firstChild; child != none; child = places[child].nextSibling)
         PathEntryFactory::PushChildEntryToCurrentPathEntry(children, places[child].entry);
     fileNames.clear();
-    for (const ToolboxCacheRecord::File& file : record.GetFiles(record.GetFolders()[folder]))
-        if (IsFileName(record.GetName(file)))
-            fileNames.push_back(record.GetName(file));
+    AppendFileNames(record, record.GetFiles(record.GetFolders()[folder]), fileNames);
     return std::make_shared<const PathEntry>(
         place.location, DescribeEntry(place.location, building.descriptors), place.type, std::move(children), fileNames,
         comparator, building.observers.createObserver(place.location, mark, FolderMonitoringLevel::none),

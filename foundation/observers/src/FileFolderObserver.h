@@ -1,17 +1,23 @@
 #pragma once
 
-#include "ObserverRegistry.h"
+#include "foundation/observers/IFileFolderObserverFactory.h"
+
+#include <boost/intrusive/slist.hpp>
+#include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <atomic>
+#include <cstdint>
 
 namespace Tolvex {
 
-/// Compares the folder's present mark with the one it started from, whenever it is asked and its level says so. Small:
-/// there is one for each folder of the path.
-class FileFolderObserver final : public IFileFolderObserver {
+class ObserverRegistry;
+struct ObservedFolder;
+
+/// What one owner knows of a folder, and whether that still holds. Small: there is one for each folder of the path.
+class FileFolderObserver final : public IFileFolderObserver, public boost::intrusive::slist_base_hook<> {
 public:
-    FileFolderObserver(std::shared_ptr<ObserverRegistry> registry, CanonicalAbsoluteIRI folder, const ChangeMark& mark,
-                       ObservationLevel level);
+    FileFolderObserver(boost::intrusive_ptr<ObserverRegistry> registry, const CanonicalAbsoluteIRI& folder,
+                       const ChangeMark& mark, ObservationLevel level);
     FileFolderObserver(const FileFolderObserver&) = delete;
     FileFolderObserver& operator=(const FileFolderObserver&) = delete;
     ~FileFolderObserver() override;
@@ -19,16 +25,29 @@ public:
     [[nodiscard]] bool hasChanged() const noexcept override;
     [[nodiscard]] bool observesChildFoldersToo() const noexcept override { return false; }
 
+    // For the registry, under its lock. Owners read the level and the answer without it.
+
+    [[nodiscard]] ObservationLevel GetLevel() const noexcept { return level.load(std::memory_order_relaxed); }
     void SetLevel(ObservationLevel newLevel) noexcept { level.store(newLevel, std::memory_order_relaxed); }
 
-private:
-    [[nodiscard]] bool LooksChanged() const noexcept;
+    [[nodiscard]] bool IsChanged() const noexcept { return changed.load(std::memory_order_relaxed); }
+    void SetChanged() noexcept { changed.store(true, std::memory_order_relaxed); }
 
-    const std::shared_ptr<ObserverRegistry> registry;
-    const CanonicalAbsoluteIRI folder;
+    /// True when it wants to know of changes and knows of none.
+    [[nodiscard]] bool IsCurious() const noexcept { return GetLevel() != ObservationLevel::none && !IsChanged(); }
+    [[nodiscard]] bool Refutes(const ChangeMark& now) const noexcept { return !mark.ProvesUnchanged(now); }
+
+    /// Looks that began before it was made say nothing to it.
+    [[nodiscard]] std::uint64_t GetNumber() const noexcept { return number; }
+    void SetNumber(std::uint64_t newNumber) noexcept { number = newNumber; }
+
+private:
+    const boost::intrusive_ptr<ObserverRegistry> registry;
     const ChangeMark mark;
+    std::uint64_t number = 0;
     std::atomic<ObservationLevel> level;
-    mutable std::atomic<bool> changed = false; // never goes back
+    std::atomic<bool> changed = false;                 // never goes back
+    const boost::intrusive_ptr<ObservedFolder> folder; // last: once it is there, others know this observer
 };
 
 } // namespace Tolvex

@@ -1,14 +1,20 @@
-#include "FileFolderObserver.h"
+#include "ObserverRegistry.h"
+#include "foundation/events/EventMgr.h"
 
-#include <atomic>
+#include <new>
+#include <unordered_map>
 
 namespace Tolvex {
 namespace {
 
 class FileFolderObserverFactory final : public IFileFolderObserverFactory {
 public:
-    explicit FileFolderObserverFactory(const StorageSystemReference& storage)
-        : registry(std::make_shared<ObserverRegistry>(storage)) {}
+    FileFolderObserverFactory(const StorageSystemReference& storage, ObservationOptions options)
+        : registry(new ObserverRegistry(storage, std::move(options))),
+          reports(localEvents->Subscribe<FileFolderChangedEvent>([registry = registry](const auto& event) {
+              if (const auto folder = event.GetFolder())
+                  registry->MarkChanged(*folder, event.GetFrozenInclusion());
+          })) {}
 
     [[nodiscard]] std::unique_ptr<IFileFolderObserver>
     createObserver(const CanonicalAbsoluteIRI& folder, const ChangeMark& mark, ObservationLevel level) override {
@@ -19,25 +25,33 @@ public:
         registry->SetLevel(folder, level);
     }
 
-    /// Time checks know of a change when the folder is looked at, not before: nothing can be said for all at once.
     [[nodiscard]] ChangeReport getChangesSince(ChangeToken token) override {
-        ChangeReport report;
-        report.now = token;
-        report.askEachObserver = true;
-        return report;
+        try {
+            return registry->GetChangesSince(token);
+        } catch (const std::bad_alloc&) {
+            return {token, {}, true};
+        }
     }
 
-    [[nodiscard]] RemotePathPolicy getRemotePathPolicy() const noexcept override { return policy.load(); }
-    void setRemotePathPolicy(RemotePathPolicy newPolicy) noexcept override { policy.store(newPolicy); }
-    [[nodiscard]] ChangeHandleWarning getChangeHandleWarning() const noexcept override { return warning.load(); }
-    void setChangeHandleWarning(ChangeHandleWarning newWarning) noexcept override { warning.store(newWarning); }
+    [[nodiscard]] RemotePathPolicy getRemotePathPolicy() const noexcept override {
+        return registry->GetRemotePathPolicy();
+    }
+    void setRemotePathPolicy(RemotePathPolicy policy) noexcept override { registry->SetRemotePathPolicy(policy); }
+
+    [[nodiscard]] ChangeHandleWarning getChangeHandleWarning() const noexcept override {
+        return registry->GetShortageWarning().GetSetting();
+    }
+    void setChangeHandleWarning(ChangeHandleWarning warning) noexcept override {
+        registry->GetShortageWarning().SetSetting(warning);
+    }
+    [[nodiscard]] std::string takeChangeHandleWarning() override { return registry->GetShortageWarning().Take(); }
 
     [[nodiscard]] bool IsAbandoned() const noexcept { return registry->IsStorageGone(); }
 
 private:
-    const std::shared_ptr<ObserverRegistry> registry;
-    std::atomic<RemotePathPolicy> policy = RemotePathPolicy::timecheckDir;
-    std::atomic<ChangeHandleWarning> warning = ChangeHandleWarning::once;
+    const boost::intrusive_ptr<ObserverRegistry> registry;
+    const boost::shared_ptr<LocalEventMgr> localEvents = createLocalEventMgr();
+    const ScopedConnection reports; // cut first
 };
 
 /// The factories of all storage systems that are alive.
@@ -49,7 +63,7 @@ public:
         std::erase_if(factories, [](const auto& entry) { return entry.second->IsAbandoned(); });
         auto& factory = factories[storage.get()];
         if (!factory)
-            factory = std::make_unique<FileFolderObserverFactory>(storage);
+            factory = std::make_unique<FileFolderObserverFactory>(storage, ObservationOptions());
         return *factory;
     }
 
@@ -63,6 +77,11 @@ private:
 IFileFolderObserverFactory& GetFileFolderObserverFactory(const StorageSystemReference& storage) {
     static FactoryTable table;
     return table.GetOrMake(storage);
+}
+
+std::unique_ptr<IFileFolderObserverFactory> CreateFileFolderObserverFactory(const StorageSystemReference& storage,
+                                                                            ObservationOptions options) {
+    return std::make_unique<FileFolderObserverFactory>(storage, std::move(options));
 }
 
 } // namespace Tolvex

@@ -1,28 +1,224 @@
 #include "ObserverRegistry.h"
 
 #include "FileFolderObserver.h"
+#include "LookRound.h"
 
 #include <algorithm>
 
 namespace Tolvex {
+namespace {
 
-void ObserverRegistry::Add(const CanonicalAbsoluteIRI& folder, FileFolderObserver& observer) {
-    const std::scoped_lock lock(mutex);
-    observers.emplace(folder, &observer);
+constexpr std::string_view diskScheme = "file";
+
+bool IsAtOrBelow(const AbsoluteIRI& location, const AbsoluteIRI& folder) {
+    return location == folder || folder.isAncestorOf(location);
 }
 
-void ObserverRegistry::Remove(const CanonicalAbsoluteIRI& folder, const FileFolderObserver& observer) noexcept {
-    const std::scoped_lock lock(mutex);
-    const auto [first, last] = observers.equal_range(folder);
-    const auto own = std::find_if(first, last, [&](const auto& entry) { return entry.second == &observer; });
-    if (own != last)
-        observers.erase(own);
+ObservationLevel GetLevel(const ObservedFolder& folder) {
+    auto level = ObservationLevel::none;
+    for (const auto& observer : folder.observers)
+        level = std::max(level, observer.GetLevel());
+    return level;
 }
 
-void ObserverRegistry::SetLevel(const CanonicalAbsoluteIRI& folder, ObservationLevel level) {
-    const std::scoped_lock lock(mutex);
-    const auto [first, last] = observers.equal_range(folder);
-    std::for_each(first, last, [level](const auto& entry) { entry.second->SetLevel(level); });
+} // namespace
+
+ObserverRegistry::ObserverRegistry(const StorageSystemReference& storage, ObservationOptions options)
+    : storage(storage), options(std::move(options)) {
+    if (storage->getScheme() == diskScheme)
+        watches = CreateDiskWatches(*this, this->options.watchLimit);
+}
+
+ObserverRegistry::~ObserverRegistry() = default;
+
+boost::intrusive_ptr<ObservedFolder> ObserverRegistry::Add(const CanonicalAbsoluteIRI& location,
+                                                           FileFolderObserver& observer) {
+    const Lock lock(mutex);
+    boost::intrusive_ptr<ObservedFolder> folder(Find(location));
+    const bool isNew = !folder;
+    if (isNew)
+        folder.reset(new ObservedFolder(location));
+    if (folder->isWatched)
+        Drain(); // what is in the queue happened before and is told to the others only
+    if (observer.GetLevel() != ObservationLevel::none)
+        FindKind(*folder);
+    if (isNew)
+        folders.insert(folder.get()); // the last that may fail
+    folder->observers.push_front(observer);
+    observer.SetNumber(++lastNumber);
+    if (observer.GetLevel() != ObservationLevel::none)
+        Settle(*folder);
+    return folder;
+}
+
+void ObserverRegistry::Remove(ObservedFolder& folder, FileFolderObserver& observer) noexcept {
+    const Lock lock(mutex);
+    const auto level = GetLevel(folder);
+    folder.observers.erase(folder.observers.iterator_to(observer));
+    if (std::ranges::none_of(folder.observers, &FileFolderObserver::IsChanged))
+        history.Remove(folder);
+    if (folder.observers.empty())
+        Forget(folder);
+    else if (GetLevel(folder) != level)
+        Settle(folder);
+}
+
+void ObserverRegistry::SetLevel(const CanonicalAbsoluteIRI& location, ObservationLevel level) {
+    const Lock lock(mutex);
+    auto* const folder = Find(location);
+    if (!folder || std::ranges::all_of(folder->observers, [&](const auto& each) { return each.GetLevel() == level; }))
+        return;
+    if (folder->isWatched)
+        Drain();
+    for (auto& observer : folder->observers)
+        observer.SetLevel(level);
+    Settle(*folder);
+}
+
+bool ObserverRegistry::FindChanged(ObservedFolder& folder, const FileFolderObserver& observer) noexcept {
+    try {
+        Lock lock(mutex);
+        Drain();
+        if (observer.IsChanged() || folder.rule == ObservedFolder::LookRule::never)
+            return observer.IsChanged();
+        LookRound round(*this, lock);
+        round.Include(folder);
+        round.Run();
+        return observer.IsChanged();
+    } catch (const std::exception&) { // no memory for the look
+        return true;
+    }
+}
+
+ChangeReport ObserverRegistry::GetChangesSince(ChangeToken token) {
+    Lock lock(mutex);
+    Drain();
+    isShortTold = false;
+    LookRound round(*this, lock);
+    std::vector<ObservedFolder*> toArm; // which may take them, and others, to the other list
+    for (auto& folder : suspects)
+        toArm.push_back(&folder);
+    for (auto& folder : timeChecks) {
+        if (folder.lacksWatch)
+            toArm.push_back(&folder); // a watch may have become free
+        else
+            round.Include(folder);
+    }
+    for (auto* const folder : toArm) {
+        if (folder->lacksWatch && !isShort)
+            Watch(*folder);
+        round.Include(*folder);
+    }
+    round.Run();
+    return {{history.GetPosition()}, history.GetChangedAfter(token.position), false};
+}
+
+void ObserverRegistry::MarkChanged(const AbsoluteIRI& location, FrozenInclusion frozen) {
+    const Lock lock(mutex);
+    auto* const folder = Find(location);
+    if (!folder)
+        return;
+    for (auto& observer : folder->observers)
+        if (frozen == FrozenInclusion::included || observer.GetLevel() != ObservationLevel::none)
+            MarkChanged(*folder, observer);
+}
+
+ObservedFolder* ObserverRegistry::Find(const AbsoluteIRI& location) const {
+    const auto found = folders.find(location);
+    return found == folders.end() ? nullptr : *found;
+}
+
+void ObserverRegistry::OnChanged(ObservedFolder& folder) {
+    for (auto& observer : folder.observers)
+        if (observer.IsCurious())
+            MarkChanged(folder, observer);
+}
+
+void ObserverRegistry::OnSuspect(ObservedFolder& folder) {
+    Watch(folder);
+}
+
+void ObserverRegistry::OnMountChanged(std::string_view path) {
+    const AbsoluteIRI place(diskScheme, FromUtf8(path));
+    for (auto* const folder : folders) {
+        if (!IsAtOrBelow(folder->location, place))
+            continue;
+        folder->kind.reset();
+        Settle(*folder);
+    }
+}
+
+void ObserverRegistry::Drain() {
+    if (watches)
+        watches->Drain();
+}
+
+/// Brings the way in which the folder is observed in line with what its observers want.
+void ObserverRegistry::Settle(ObservedFolder& folder) {
+    const auto level = GetLevel(folder);
+    if (level != ObservationLevel::none)
+        FindKind(folder);
+    if (level == ObservationLevel::notification && watches && folder.kind == StorageKind::notifying)
+        return Watch(folder);
+    if (watches)
+        watches->Release(folder);
+    SetRule(folder,
+            level == ObservationLevel::none ? ObservedFolder::LookRule::never : ObservedFolder::LookRule::always);
+}
+
+/// The folder's watch is armed, or found to be armed, before the next look at it.
+void ObserverRegistry::Watch(ObservedFolder& folder) noexcept {
+    ++folder.suspicions;
+    SetRule(folder, ObservedFolder::LookRule::once);
+}
+
+void ObserverRegistry::SetRule(ObservedFolder& folder, ObservedFolder::LookRule rule) noexcept {
+    folder.rule = rule;
+    folder.lacksWatch = false;
+    folder.isWatched = folder.isWatched && rule != ObservedFolder::LookRule::always;
+    folder.FolderHook<LookListTag>::unlink();
+    if (rule == ObservedFolder::LookRule::once)
+        suspects.push_back(folder);
+    if (rule == ObservedFolder::LookRule::always)
+        timeChecks.push_back(folder);
+}
+
+void ObserverRegistry::Forget(ObservedFolder& folder) noexcept {
+    if (watches)
+        watches->Release(folder);
+    SetRule(folder, ObservedFolder::LookRule::never);
+    folders.erase(folders.find(&folder));
+}
+
+void ObserverRegistry::FindKind(ObservedFolder& folder) {
+    if (folder.kind)
+        return;
+    const auto isHere = [&](const AbsoluteIRI& remote) { return IsAtOrBelow(folder.location, remote); };
+    if (std::ranges::any_of(options.remoteFolders, isHere))
+        folder.kind = StorageKind::remote;
+    else
+        folder.kind = watches ? watches->GetKind(folder.location) : StorageKind::silent;
+}
+
+void ObserverRegistry::Arm(ObservedFolder& folder) {
+    using Result = IFolderWatches::ArmResult;
+    const auto result = isShort && !folder.isWatched ? Result::noWatchLeft : watches->Arm(folder);
+    folder.isWatched = result == Result::settled;
+    if (result == Result::unsuitable || result == Result::noWatchLeft)
+        SetRule(folder, ObservedFolder::LookRule::always);
+    folder.lacksWatch = result == Result::noWatchLeft;
+    isShort = isShort || folder.lacksWatch;
+}
+
+void ObserverRegistry::MarkChanged(ObservedFolder& folder, FileFolderObserver& observer) noexcept {
+    observer.SetChanged();
+    history.Add(folder);
+}
+
+void ObserverRegistry::MarkAllChanged(ObservedFolder& folder) noexcept {
+    for (auto& observer : folder.observers)
+        if (observer.GetLevel() != ObservationLevel::none)
+            MarkChanged(folder, observer);
 }
 
 } // namespace Tolvex

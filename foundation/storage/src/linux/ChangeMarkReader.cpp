@@ -2,6 +2,8 @@
 
 #include "FolderOpening.h"
 
+#include <algorithm>
+#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -41,12 +43,46 @@ FileSystemRules GetRules(const Look& look, int descriptor) {
     return known ? *known : table.Learn(look.device, descriptor);
 }
 
-bool IsListable(const Look& look, const PathAnchor& anchor) {
+bool IsListable(const Look& look, int base, const char* path) {
     constexpr mode_t everybody = S_IRUSR | S_IRGRP | S_IROTH;
     if (!S_ISDIR(look.mode))
         return false;
-    return (look.mode & everybody) == everybody ||
-           ::faccessat(anchor.GetFolder(), anchor.GetRest(), R_OK, AT_EACCESS) == 0;
+    return (look.mode & everybody) == everybody || ::faccessat(base, path, R_OK, AT_EACCESS) == 0;
+}
+
+ChangeMark ReadMarkAt(int base, const char* path, const IClock& clock) {
+    const auto now = clock.Now();
+    const auto look = LookAt(base, path, 0);
+    if (!look || !IsListable(*look, base, path))
+        return {};
+    if (const auto rules = GetFileSystemTable().Find(look->device))
+        return MakeMark(*look, now, *rules);
+    const FileDescriptor folder(::openat(base, path, O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return folder.IsOpen() ? ReadMarkOfDescriptor(folder.Get(), clock).mark : ChangeMark();
+}
+
+/// The folder that all of these lie below; empty when that is the root.
+ustring_view FindFolderAbove(std::span<const AbsoluteIRI* const> locations) {
+    auto above = locations.front()->getPath();
+    for (const auto* const location : locations) {
+        const auto path = location->getPath();
+        const auto shorter = std::min(above.size(), path.size());
+        const auto* const end = std::mismatch(above.data(), above.data() + shorter, path.data()).first;
+        above = above.substr(0, static_cast<std::size_t>(end - above.data()));
+    }
+    return above.substr(0, above.rfind(u'/'));
+}
+
+void ReadMarksBelow(ustring_view above, std::span<const AbsoluteIRI* const> locations, std::span<ChangeMark> marks,
+                    const IClock& clock) {
+    const FileDescriptor folder(
+        above.empty() ? -1 : ::openat(AT_FDCWD, ToUtf8(above).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (std::size_t i = 0; i < locations.size(); ++i) {
+        const auto path = locations[i]->getPath();
+        const bool isNear = folder.IsOpen() && path.size() - above.size() < PATH_MAX / 3; // three bytes a unit at most
+        marks[i] = isNear ? ReadMarkAt(folder.Get(), ToUtf8(path.substr(above.size() + 1)).c_str(), clock)
+                          : ReadMarkOfPath(ToUtf8(path), clock);
+    }
 }
 
 } // namespace
@@ -62,16 +98,19 @@ ReadMark ReadMarkOfDescriptor(int descriptor, const IClock& clock) {
 
 ChangeMark ReadMarkOfPath(const std::string& path, const IClock& clock) {
     const PathAnchor anchor(path);
-    if (anchor.GetError() != 0)
-        return {};
-    const auto now = clock.Now();
-    const auto look = LookAt(anchor.GetFolder(), anchor.GetRest(), 0);
-    if (!look || !IsListable(*look, anchor))
-        return {};
-    if (const auto rules = GetFileSystemTable().Find(look->device))
-        return MakeMark(*look, now, *rules);
-    const FileDescriptor folder(::openat(anchor.GetFolder(), anchor.GetRest(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    return folder.IsOpen() ? ReadMarkOfDescriptor(folder.Get(), clock).mark : ChangeMark();
+    return anchor.GetError() == 0 ? ReadMarkAt(anchor.GetFolder(), anchor.GetRest(), clock) : ChangeMark();
+}
+
+void ReadMarksOfPaths(std::span<const AbsoluteIRI* const> locations, std::span<ChangeMark> marks, const IClock& clock) {
+    // Long enough to pay for opening the folder above, short enough that this is not far above.
+    constexpr std::size_t stretch = 32;
+    while (!locations.empty()) {
+        const auto size = std::min(stretch, locations.size());
+        const auto next = locations.first(size);
+        ReadMarksBelow(size == 1 ? ustring_view() : FindFolderAbove(next), next, marks.first(size), clock);
+        locations = locations.subspan(size);
+        marks = marks.subspan(size);
+    }
 }
 
 } // namespace Tolvex

@@ -4,6 +4,8 @@
 #include "DiskPaths.h"
 #include "foundation/storage/StorageSystem.h"
 
+#include <algorithm>
+
 namespace Tolvex {
 namespace {
 
@@ -28,6 +30,16 @@ public:
         } catch (const std::exception&) { // no memory for the path: it could not have been opened either
         }
         return {};
+    }
+
+    void takeChangeMarks(std::span<const AbsoluteIRI* const> locations,
+                         std::span<ChangeMark> marks) const noexcept override {
+        try {
+            if (std::ranges::all_of(locations, [](const auto* each) { return each->getScheme() == diskScheme; }))
+                return ReadMarksOfPaths(locations, marks, clock);
+        } catch (const std::exception&) { // no memory for the paths
+        }
+        StorageSystem::takeChangeMarks(locations, marks);
     }
 
     [[nodiscard]] CanonicalAbsoluteIRI canonicalise(const AbsoluteIRI& location) const override {

@@ -3,14 +3,17 @@
 #include "foundation/environment/PackageDescriptors.h"
 #include "foundation/environment/StorageAccess.h"
 #include "foundation/environment/WorkingFolder.h"
+#include "foundation/storage/StorageError.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace Tolvex {
 namespace {
@@ -54,6 +57,43 @@ TEST_F(WorkingFolderTest, ThatIsGoneIsReportedByItsFormerName) {
         EXPECT_EQ(error.GetFailure(), StorageFailure::missing);
         EXPECT_EQ(ToUtf8(error.GetLocation().getPath()), gone.string());
     }
+}
+
+TEST_F(WorkingFolderTest, ChangesAreMadeThenAnnouncedByTheCanonicalName) {
+    fs::create_directories(scratch / "real" / "inside");
+    fs::create_directory_symlink(scratch / "real", scratch / "link");
+    std::ofstream(scratch / "file");
+    fs::current_path(scratch);
+    const auto events = createEventMgr();
+    std::vector<std::string> announced;
+    const auto connection =
+        events->Subscribe<CurrentWorkingFolderChangedEvent>([&](const CurrentWorkingFolderChangedEvent& event) {
+            EXPECT_EQ(event.getNew(), GetCurrentWorkingFolder().get());
+            announced.push_back(fs::path(ToUtf8(event.getNew().getPath())).lexically_relative(scratch).string());
+            if (announced.size() == 1)
+                throw std::runtime_error("the change stands all the same");
+        });
+    const auto go = [&](const fs::path& to) {
+        ChangeCurrentWorkingFolder(toAbsoluteIRI(FromUtf8((scratch / to).string())), *events);
+    };
+    const auto failureOf = [&](const fs::path& to) {
+        try {
+            go(to);
+        } catch (const StorageError& error) {
+            EXPECT_EQ(ToUtf8(error.GetLocation().getPath()), (scratch / to).string());
+            return error.GetFailure();
+        }
+        throw std::logic_error("no failure");
+    };
+
+    EXPECT_THROW(go("link/inside"), std::runtime_error);
+    go("link/inside"); // a change to the same folder is announced, too
+    go("link");
+    EXPECT_EQ(failureOf("file"), StorageFailure::notAFolder);
+    EXPECT_EQ(failureOf("missing"), StorageFailure::missing);
+    EXPECT_THROW(ChangeCurrentWorkingFolder(AbsoluteIRI("memory", u"/"), *events), StorageError);
+    EXPECT_EQ(announced, (std::vector<std::string>{"real/inside", "real/inside", "real"}));
+    EXPECT_EQ(fs::current_path(), scratch / "real");
 }
 
 TEST(Installation, IsTheVariableWhenAbsoluteElseTheFolderAboveTheProgram) {

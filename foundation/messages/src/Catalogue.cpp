@@ -49,6 +49,8 @@ constexpr auto catalogue = std::to_array<Text>({
      "do not need."},
     {path, "AddPackageToPathInfo", 1, // the package's root folder
      "To use the package, put its root folder '{0}' on the path."},
+    {path, "packageFolderMonitoringChange", 1, // folder
+     "The folder '{0}' belongs to an installed package, which decides by itself how its folders are watched."},
     {path, "TPMFeatureOff", 0, "The package manager is switched off. Switch it on to ask for installed packages."},
 
     // The change as a whole.

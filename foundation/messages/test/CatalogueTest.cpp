@@ -31,6 +31,7 @@ const std::vector<Contract>& GetContracts() {
         {path, "packageMemberFolderRemovedFromPath", 3},
         {path, "MultiplePackageVersionsOnPath", 2},
         {path, "AddPackageToPathInfo", 1},
+        {path, "packageFolderMonitoringChange", 1},
         {path, "PathAlterationNotSupported", 0},
         {path, "UnableToModifyTolvexpath", 0},
         {"TOLVEX:legacy_two_part", "nomem", 0},

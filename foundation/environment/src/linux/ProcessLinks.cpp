@@ -53,4 +53,8 @@ std::string GetWorkingFolderPath(std::error_code& error) {
     return path;
 }
 
+std::error_code SetWorkingFolderPath(const std::string& path) {
+    return ::chdir(path.c_str()) == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
+}
+
 } // namespace Tolvex

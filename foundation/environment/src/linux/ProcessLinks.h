@@ -13,4 +13,7 @@ namespace Tolvex {
 /// the folder's last known name as far as there is one.
 [[nodiscard]] std::string GetWorkingFolderPath(std::error_code& error);
 
+/// Why the process could not go to a folder; no error when it could.
+[[nodiscard]] std::error_code SetWorkingFolderPath(const std::string& path);
+
 } // namespace Tolvex

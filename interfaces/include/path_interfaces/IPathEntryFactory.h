@@ -13,6 +13,11 @@ namespace PathManagement {
 /// Where an entry's contents came from.
 enum class PathEntrySource : std::uint32_t { unknown, disk, cacheFile };
 
+struct PathEntryState {
+    PathEntrySource source = PathEntrySource::unknown;
+    FolderMonitoringLevel level = FolderMonitoringLevel::none; ///< how closely its folder is to be watched
+};
+
 /// What a factory has done since it was made; for tests, dumps and people who tune.
 struct PathEntryFactoryCounters {
     std::uint64_t foldersListed = 0;
@@ -38,7 +43,8 @@ public:
     [[nodiscard]] virtual std::shared_ptr<const IPathEntry>
     GetLiveEntry(const Tolvex::CanonicalAbsoluteIRI& location) const = 0;
 
-    [[nodiscard]] virtual PathEntrySource GetEntrySource(const IPathEntry& entry) const = 0;
+    /// What is known of an entry; nothing of one that this factory does not keep.
+    [[nodiscard]] virtual PathEntryState GetEntryState(const IPathEntry& entry) const = 0;
 
     [[nodiscard]] virtual PathEntryFactoryCounters GetCounters() const = 0;
 
@@ -72,9 +78,10 @@ public:
     /// Forgets what came from cache files. Entries that are in use stay what they are.
     virtual void DropToolboxCache() = 0;
 
-    /// How closely the folder is watched for this factory's entries.
-    [[nodiscard]] virtual FolderMonitoringLevel
-    GetObservedLevel(const Tolvex::CanonicalAbsoluteIRI& location) const = 0;
+    /// Has the folders of these entries, and all below them, watched as closely as `monitor` says from now on. Entries
+    /// are made before their folders are on the monitored path. Of entries of others it is the folder that counts.
+    virtual void UpdateObservation(std::span<const std::shared_ptr<const IPathEntry>> entries,
+                                   const IFolderMonitor& monitor) const = 0;
 
     /// The installation folder that the toolbox cache speaks for.
     [[nodiscard]] virtual Tolvex::CanonicalAbsoluteIRI GetInstallationFolder() const = 0;

@@ -111,8 +111,8 @@ TEST(PathEntryFactory, HandsOutLiveEntriesUntilTheirFolderChanges) {
     EXPECT_EQ(second->GetPackageEntries()->at(1), first->GetPackageEntries()->at(1));
     EXPECT_EQ(world.TakeListings(), 2u) << "the folder itself and the child that changed";
     EXPECT_EQ(world.factory.GetLiveEntry(PathWorld::At("/m")), second);
-    EXPECT_EQ(world.factory.GetEntrySource(*second), PathEntrySource::disk);
-    EXPECT_EQ(world.factory.GetEntrySource(*first), PathEntrySource::unknown);
+    EXPECT_EQ(world.factory.GetEntryState(*second).source, PathEntrySource::disk);
+    EXPECT_EQ(world.factory.GetEntryState(*first).source, PathEntrySource::unknown);
 }
 
 TEST(PathEntryFactory, LooksOnceAtAFolderThatNobodyWatchesBeforeHandingItOut) {

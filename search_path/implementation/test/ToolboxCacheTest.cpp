@@ -115,7 +115,7 @@ RC_GTEST_PROP(ToolboxCache, GivesBackWhatTheDiskGave, ()) {
     for (const auto& entry : entries) {
         const auto loaded = second.factory.CreatePathEntry(entry->GetIRI(), second.monitor);
         RC_ASSERT(Draw(*loaded) == Draw(*entry));
-        RC_ASSERT(second.factory.GetEntrySource(*loaded) == PathEntrySource::cacheFile);
+        RC_ASSERT(second.factory.GetEntryState(*loaded).source == PathEntrySource::cacheFile);
     }
     RC_ASSERT(first.TakeListings() == 0u);
     RC_ASSERT(first.storage->GetMarkCount() == marks);
@@ -146,7 +146,7 @@ TEST(ToolboxCache, AFolderThatChangedSinceIsOutOfDateAtTheFirstLook) {
         EXPECT_EQ(entry->IsOutOfDate(), changed) << folder;
         const auto updated = keptNow.emplace_back(entry->GetUpdatedPathEntry(second.factory, second.monitor));
         EXPECT_EQ(updated == entry, !changed) << folder;
-        EXPECT_EQ(second.factory.GetEntrySource(*updated),
+        EXPECT_EQ(second.factory.GetEntryState(*updated).source,
                   changed ? PathEntrySource::disk : PathEntrySource::cacheFile);
         const auto fresh = PathWorld(first.storage).Entry(folder);
         EXPECT_EQ(Draw(*updated), Draw(*fresh)) << folder;
@@ -185,15 +185,22 @@ TEST(ToolboxCache, RecordsThatCannotStandWhereTheySayAreLeftOut) {
     for (int i = 0; i < 60'000; ++i)
         deep += "/private";
     text += "<D name=\"" + deep + "\"></D>";
-    for (const std::string& file : {std::string("sub/ghost.kx"), std::string(), std::string(".."), std::string(1, '\0'),
-                                    std::string(70'000, 'x')})
-        text += "<D name=\"m\"><C name=\"" + file + "\"/></D>";
-    text += "<D name=\"m\"><D name=\"m/private\"><D name=\"m/private/private\"></D></D><D name=\"n/+p\"></D>"
-            "<D name=\"m/+p/+q\"></D><D name=\"m/plain\"></D><D name=\"m/\"></D></D></Harrowfen>";
+    const auto files = [](std::initializer_list<std::string> names) {
+        std::string elements = "<C name=\"a.kx\"/>";
+        for (const std::string& name : names)
+            elements += "<C name=\"" + name + "\"/>";
+        return elements + "<C name=\"z.kx\"/>";
+    };
+    text += "<D name=\"m\"><D name=\"m/private\">" + files({"sub/ghost.kx", "/"}) +
+            "<D name=\"m/private/private\"></D></D><D name=\"m/resources\">" + files({"", ".", ".."}) +
+            "</D><D name=\"n/+p\"></D><D name=\"m/+p/+q\"></D><D name=\"m/plain\"></D><D name=\"m/\"></D>" +
+            files({std::string(1, '\0'), "gho" + std::string(1, '\0') + "st.kx", std::string(70'000, 'x')}) +
+            "</D></Harrowfen>";
     LoadCache(world, "/root", text);
-    EXPECT_EQ(Draw(*world.Entry("/root/m")), "0 /root/m [] (3 /root/m/private [])");
+    EXPECT_EQ(Draw(*world.Entry("/root/m")), "0 /root/m [a.kx z.kx] (3 /root/m/private [a.kx z.kx]) "
+                                             "(5 /root/m/resources [a.kx z.kx])");
     EXPECT_EQ(Names(*world.Entry("/other")->GetPathItems()), "");
-    EXPECT_EQ(world.factory.GetCounters().entriesKept, 2u) << "what was made for names outside died at once";
+    EXPECT_EQ(world.factory.GetCounters().entriesKept, 3u) << "what was made for names outside died at once";
 }
 
 TEST(ToolboxCache, EntriesMayDieWhileOneIsWritten) {
@@ -221,12 +228,12 @@ TEST(ToolboxCache, IsForgottenWhenDroppedOrReplaced) {
     world.storage->Add("/root/n/c.kx");
     world.storage->GetClock().Advance(std::chrono::seconds(5));
     const auto fromDisk = world.Entry("/root/n")->GetUpdatedPathEntry(world.factory, world.monitor);
-    EXPECT_EQ(world.factory.GetEntrySource(*fromDisk), PathEntrySource::disk);
+    EXPECT_EQ(world.factory.GetEntryState(*fromDisk).source, PathEntrySource::disk);
     LoadCache(world, "/root", text);
     EXPECT_EQ(world.Entry("/root/n"), fromDisk) << "what the disk said goes before a cache file";
     world.factory.DropToolboxCache();
     EXPECT_TRUE(loaded.expired());
-    EXPECT_EQ(world.factory.GetEntrySource(*world.Entry("/root/m")), PathEntrySource::disk);
+    EXPECT_EQ(world.factory.GetEntryState(*world.Entry("/root/m")).source, PathEntrySource::disk);
 }
 
 /// Real folders and a factory over them.

@@ -27,6 +27,11 @@ IPathEntryFactory& PutInProcessScope() {
     return *static_cast<PathEntryFactory*>(ProcessScopeStore::Put(identifier, MakePathEntryFactory()));
 }
 
+std::unique_ptr<IFolderMonitor>& GetFolderMonitorHolder() {
+    static std::unique_ptr<IFolderMonitor> holder;
+    return holder;
+}
+
 } // namespace
 
 IPathEntryFactory& GetPathEntryFactory() {
@@ -37,6 +42,15 @@ IPathEntryFactory& GetPathEntryFactory() {
 const IPathFactory& GetCurrentPathFactory() {
     static const PathFactory factory(std::make_shared<AsynchronousWorkerQueue>());
     return factory;
+}
+
+IFolderMonitor& GetFolderMonitor() {
+    return *GetFolderMonitorHolder();
+}
+
+void SetFolderMonitor(std::unique_ptr<IFolderMonitor>&& monitor) {
+    if (&monitor != &GetFolderMonitorHolder())
+        GetFolderMonitorHolder() = std::move(monitor);
 }
 
 } // namespace PathManagement

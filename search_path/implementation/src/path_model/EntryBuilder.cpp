@@ -154,7 +154,7 @@ std::shared_ptr<const PathEntry> EntryBuilder::BuildFrom(const Location& locatio
     std::vector<ChildFolder> folders;
     listing.Fill(*folder, location.getBaseName(), type, folders);
     ++building.foldersListed;
-    folderChain.push_back({opened.mark});
+    folderChain.push_back({opened.mark, GetLevel(location)});
     PathEntryChildren children = BuildChildren(location, folders, std::move(folder));
     opened.cutFromAbove = folderChain.back().cutFromAbove;
     folderChain.pop_back();
@@ -214,10 +214,16 @@ void EntryBuilder::NoteCut(std::size_t causeDepth) noexcept {
         folderChain[depth].cutFromAbove = true;
 }
 
+/// A child folder that is new is not on the monitored path yet, but will be with its parent: it is watched like that.
+FolderMonitoringLevel EntryBuilder::GetLevel(const Location& location) const {
+    const FolderMonitoringLevel level = monitor.GetMonitoringLevel(location);
+    return level == FolderMonitoringLevel::none && !folderChain.empty() ? folderChain.back().level : level;
+}
+
 std::shared_ptr<const PathEntry> EntryBuilder::Finish(const Location& location, PathEntryType type,
                                                       PathEntryChildren children,
                                                       std::span<const ustring_view> fileNames, const Opened& opened) {
-    const FolderMonitoringLevel level = monitor.GetMonitoringLevel(location);
+    const FolderMonitoringLevel level = GetLevel(location);
     auto entry = std::make_shared<const PathEntry>(
         location, DescribeEntry(location, building.descriptors), type, std::move(children), fileNames,
         opened.comparator, building.observers.createObserver(location, opened.mark, level), building.eventManager);

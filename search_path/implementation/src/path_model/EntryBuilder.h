@@ -62,6 +62,7 @@ private:
                                     std::unique_ptr<Tolvex::Folder> folder);
     [[nodiscard]] bool LeadsBackUp(const Tolvex::ChangeMark& mark) noexcept;
     void NoteCut(std::size_t causeDepth) noexcept;
+    [[nodiscard]] FolderMonitoringLevel GetLevel(const Location& location) const;
     std::shared_ptr<const PathEntry> Finish(const Location& location, PathEntryType type, PathEntryChildren children,
                                             std::span<const ustring_view> fileNames, const Opened& opened);
 
@@ -70,6 +71,7 @@ private:
     Location mainLocation;
     struct ChainLink {
         Tolvex::ChangeMark mark;
+        FolderMonitoringLevel level;
         bool cutFromAbove = false;
     };
     std::vector<ChainLink> folderChain; // the folders being built, outermost first

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <utility>
 
 namespace PathManagement {
 
@@ -55,12 +56,18 @@ void EntryCache::AddFromCacheFile(std::span<const CachedEntry> entries) {
     }
 }
 
-void EntryCache::SetLevel(const IPathEntry& entry, FolderMonitoringLevel level) {
+bool EntryCache::SetLevel(const IPathEntry& entry, FolderMonitoringLevel level) {
     const Tolvex::CanonicalAbsoluteIRI location = entry.GetIRI();
+    bool isNoted = false;
     const std::unique_lock lock(mutex);
-    for (Records* records : {&diskEntries, &cacheFileEntries})
-        if (const auto found = records->find(location); found != records->end() && found->second.identity == &entry)
-            found->second.level = level;
+    for (Records* records : {&diskEntries, &cacheFileEntries}) {
+        const auto found = records->find(location);
+        if (found == records->end())
+            continue;
+        const bool wasSo = std::exchange(found->second.level, level) == level;
+        isNoted = isNoted || (wasSo && found->second.identity == &entry);
+    }
+    return !isNoted;
 }
 
 void EntryCache::DropCacheFile() {

@@ -43,8 +43,9 @@ public:
     /// Lets go of everything that came from a cache file.
     void DropCacheFile();
 
-    /// Notes how closely an entry is watched from now on.
-    void SetLevel(const IPathEntry& entry, FolderMonitoringLevel level);
+    /// Notes how closely the folder of an entry is to be watched from now on, also when another entry is kept for it.
+    /// False when that entry is kept and it was so already.
+    bool SetLevel(const IPathEntry& entry, FolderMonitoringLevel level);
 
     /// Forgets an entry that is being destroyed.
     void Remove(const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry);

@@ -73,9 +73,9 @@ std::shared_ptr<const IPathEntry> PathEntryFactory::GetLiveEntry(const Canonical
     return live ? live->entry : nullptr;
 }
 
-PathEntrySource PathEntryFactory::GetEntrySource(const IPathEntry& entry) const {
+PathEntryState PathEntryFactory::GetEntryState(const IPathEntry& entry) const {
     const auto live = building.cache.Find(entry.GetIRI());
-    return live && live->entry.get() == &entry ? live->source : PathEntrySource::unknown;
+    return live && live->entry.get() == &entry ? PathEntryState{live->source, live->level} : PathEntryState{};
 }
 
 PathEntryFactoryCounters PathEntryFactory::GetCounters() const {
@@ -107,7 +107,7 @@ std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIR
     if (isWatched ? live->entry->IsOutOfDate() : !isFirstUse && IsOutOfDateAtOneLook(*live->entry))
         return nullptr;
     if (!isWatched)
-        StartWatching(*live, monitor);
+        UpdateObservation(*live->entry, monitor);
     ++building.entriesReused;
     return live->entry;
 }
@@ -126,14 +126,18 @@ bool PathEntryFactory::IsOutOfDateAtOneLook(const PathEntry& entry) const {
     return isOutOfDate;
 }
 
-void PathEntryFactory::StartWatching(const CachedEntry& live, const IFolderMonitor& monitor) const {
-    live.entry->ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
+void PathEntryFactory::UpdateObservation(std::span<const std::shared_ptr<const IPathEntry>> entries,
+                                         const IFolderMonitor& monitor) const {
+    for (const auto& entry : entries)
+        UpdateObservation(*entry, monitor);
+}
+
+void PathEntryFactory::UpdateObservation(const IPathEntry& top, const IFolderMonitor& monitor) const {
+    top.ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
         const CanonicalAbsoluteIRI location = entry->GetIRI();
         const FolderMonitoringLevel level = monitor.GetMonitoringLevel(location);
-        if (level != FolderMonitoringLevel::none) {
+        if (building.cache.SetLevel(*entry, level))
             building.observers.setObservationLevel(location, level);
-            building.cache.SetLevel(*entry, level);
-        }
         return false;
     });
 }
@@ -201,11 +205,6 @@ std::shared_ptr<const PathEntry> PathEntryFactory::GetForWriting(const CachedEnt
 
 void PathEntryFactory::DropToolboxCache() {
     building.cache.DropCacheFile();
-}
-
-FolderMonitoringLevel PathEntryFactory::GetObservedLevel(const CanonicalAbsoluteIRI& location) const {
-    const auto live = building.cache.Find(location);
-    return live ? live->level : FolderMonitoringLevel::none;
 }
 
 CanonicalAbsoluteIRI PathEntryFactory::GetInstallationFolder() const {

@@ -21,7 +21,7 @@ public:
                                                     Tolvex::Notification& problems) const override;
     [[nodiscard]] std::shared_ptr<const IPathEntry>
     GetLiveEntry(const Tolvex::CanonicalAbsoluteIRI& location) const override;
-    [[nodiscard]] PathEntrySource GetEntrySource(const IPathEntry& entry) const override;
+    [[nodiscard]] PathEntryState GetEntryState(const IPathEntry& entry) const override;
     [[nodiscard]] PathEntryFactoryCounters GetCounters() const override;
     [[nodiscard]] std::shared_ptr<const IPathEntry> CreatePathEntry(const Tolvex::CanonicalAbsoluteIRI& location,
                                                                     const IFolderMonitor& monitor) const override;
@@ -32,7 +32,8 @@ public:
                           Tolvex::FileTime writtenAt) override;
     void WriteToolboxCache(std::ostream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot) const override;
     void DropToolboxCache() override;
-    [[nodiscard]] FolderMonitoringLevel GetObservedLevel(const Tolvex::CanonicalAbsoluteIRI& location) const override;
+    void UpdateObservation(std::span<const std::shared_ptr<const IPathEntry>> entries,
+                           const IFolderMonitor& monitor) const override;
     [[nodiscard]] Tolvex::CanonicalAbsoluteIRI GetInstallationFolder() const override;
 
     /// The kinds of child folders that an entry of a type has, in the order in which they are considered. A value that
@@ -46,7 +47,7 @@ private:
     [[nodiscard]] std::shared_ptr<const PathEntry> FindUpToDate(const Tolvex::AbsoluteIRI& location,
                                                                 const IFolderMonitor& monitor) const;
     [[nodiscard]] bool IsOutOfDateAtOneLook(const PathEntry& entry) const;
-    void StartWatching(const CachedEntry& live, const IFolderMonitor& monitor) const;
+    void UpdateObservation(const IPathEntry& entry, const IFolderMonitor& monitor) const;
     [[nodiscard]] std::shared_ptr<const PathEntry> GetForWriting(const CachedEntry& live) const;
     [[nodiscard]] std::shared_ptr<const PathEntry> CreateFromExistingFolder(const Tolvex::AbsoluteIRI& location,
                                                                             const IFolderMonitor& monitor) const;

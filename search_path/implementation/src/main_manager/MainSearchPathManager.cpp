@@ -1,0 +1,391 @@
+#include "main_manager/MainSearchPathManager.h"
+
+#include "foundation/components/IModularPackageRegistry.h"
+#include "foundation/components/IPackageRegistrar.h"
+#include "foundation/components/ModularPackageRegistryHasBeenChanged.h"
+#include "foundation/diagnostics/DiagnosticScope.h"
+#include "foundation/diagnostics/Terminate.h"
+#include "foundation/observers/FileFolderChangedEvent.h"
+#include "main_manager/SearchPathPublicFunctions.h"
+#include "path_interfaces/PathAlterationExceptions.h"
+#include "path_interfaces/events/PathManagerWillBeDestroyedEvent.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace PathManagement {
+
+using Tolvex::CanonicalAbsoluteIRI;
+
+namespace {
+
+/// The private folder that an entry presents as a main folder, or the entry itself.
+std::shared_ptr<const IPathEntry> WithoutPresentation(std::shared_ptr<const IPathEntry> entry) {
+    if (auto folder = entry->GetPrivateEntry(); folder != nullptr && folder->GetIRI() == entry->GetIRI())
+        return folder;
+    return entry;
+}
+
+/// Leaves the first entry of each folder.
+void DropRepeatedFolders(PathEntryVector& entries) {
+    std::unordered_set<Tolvex::AbsoluteIRI, Tolvex::IRIHash> seen;
+    std::erase_if(entries, [&seen](const auto& entry) { return !seen.insert(entry->GetIRI()).second; });
+}
+
+/// Has those of some main entries that are out of date made again.
+class PathEntryRefresher {
+public:
+    PathEntryRefresher(const IPathEntryFactory& factory, const IFolderMonitor& monitor) noexcept
+        : factory(factory), monitor(monitor) {}
+
+    void Refresh(const std::shared_ptr<const IPathEntry>& entry) {
+        if (updates.contains(entry.get()) || !entry->IsOutOfDate())
+            return;
+        if (auto updated = entry->GetUpdatedPathEntry(factory, monitor); updated != entry)
+            updates.emplace(entry.get(), std::move(updated));
+    }
+
+    /// `entries` with the new ones in place of the old; the same list when there are none.
+    [[nodiscard]] std::shared_ptr<const PathEntryVector>
+    Replace(const std::shared_ptr<const PathEntryVector>& entries) const {
+        if (updates.empty())
+            return entries;
+        PathEntryVector refreshed = *entries;
+        for (auto& entry : refreshed)
+            if (const auto update = updates.find(entry.get()); update != updates.end())
+                entry = update->second;
+        return std::make_shared<const PathEntryVector>(std::move(refreshed));
+    }
+
+private:
+    const IPathEntryFactory& factory;
+    const IFolderMonitor& monitor;
+    std::unordered_map<const IPathEntry*, std::shared_ptr<const IPathEntry>> updates;
+};
+
+/// Those of `entries` that are main entries of `storedPath`, as the same objects.
+PathEntryVector GetStillStored(const PathEntryVector& entries, const IPath& storedPath) {
+    PathEntryVector still;
+    std::ranges::copy_if(entries, std::back_inserter(still), [&storedPath](const auto& entry) {
+        return storedPath.GetPathEntryFromAbsoluteIRI(entry->GetIRI()) == entry;
+    });
+    return still;
+}
+
+/// Sets a flag for as long as it lives.
+class ChangeGuard {
+public:
+    explicit ChangeGuard(bool& flag) noexcept : flag(flag) { flag = true; }
+    ~ChangeGuard() { flag = false; }
+    ChangeGuard(const ChangeGuard&) = delete;
+    ChangeGuard& operator=(const ChangeGuard&) = delete;
+
+private:
+    bool& flag;
+};
+
+} // namespace
+
+MainSearchPathManager::MainSearchPathManager(
+    boost::shared_ptr<Tolvex::EventMgr> events, TolvexComponents::IModularPackageRegistry& /*packageRegistry*/,
+    const IPathEntryFactory& pathEntryFactory, const IPathFactory& pathFactory,
+    std::unique_ptr<ICurrentFolderPathManagerFactory> currentFolderPathManagers, CurrentFolderPolicy policy,
+    IFolderMonitor& folderMonitor, EnableModularPackages enableModularPackages)
+    : eventManager(std::move(events)), pathEntryFactory(pathEntryFactory), pathFactory(pathFactory),
+      currentFolderPathManagerFactory(std::move(currentFolderPathManagers)), currentFolderPathManager(nullptr),
+      currentFolderPolicy(policy), installedPaths(nullptr), folderMonitor(folderMonitor) {
+    SetCurrentFolderPathManager();
+    installedPaths.Exchange(MakeEmptyPaths(pathFactory, enableModularPackages == EnableModularPackages::yes));
+    Install(Compose());
+    using TolvexComponents::ModularPackageRegistryHasBeenChanged;
+    registryListener = eventManager->Subscribe<ModularPackageRegistryHasBeenChanged>(
+        [this](const ModularPackageRegistryHasBeenChanged&) { HandleRegistryChange(); });
+}
+
+MainSearchPathManager::~MainSearchPathManager() {
+    try {
+        eventManager->PublishNow(PathManagerWillBeDestroyedEvent(*this));
+    } catch (...) {
+        // What a handler threw cannot leave a destructor; every handler has run.
+    }
+}
+
+std::shared_ptr<const IPath> MainSearchPathManager::GetMonitoredPath() const {
+    return installedPaths.Load()->monitoredPath;
+}
+
+std::shared_ptr<const IPath> MainSearchPathManager::GetSecondaryPath() const {
+    return installedPaths.Load()->secondaryPath;
+}
+
+std::shared_ptr<const IPath> MainSearchPathManager::GetPath() const {
+    return installedPaths.Load()->path;
+}
+
+IFolderMonitor& MainSearchPathManager::GetFolderMonitor() const {
+    return folderMonitor;
+}
+
+std::optional<TolvexComponents::ComponentIdentifier> MainSearchPathManager::GetCurrentFolderComponent() const {
+    return currentFolderPathManager.Load()->GetCurrentFolderComponent();
+}
+
+std::shared_ptr<const IMainSearchPathManager::Components> MainSearchPathManager::GetPathComponents() const {
+    return installedPaths.Load()->pathComponents;
+}
+
+std::shared_ptr<const IMainSearchPathManager::IRIs> MainSearchPathManager::GetPathIRIs() const {
+    return installedPaths.Load()->pathIRIs;
+}
+
+std::shared_ptr<const PathMemento> MainSearchPathManager::CreateMemento() const {
+    const auto installed = installedPaths.Load();
+    auto memento = std::make_shared<PathMemento>();
+    memento->storedPath = installed->storedPath;
+    memento->path = installed->path;
+    memento->pathIRIs = installed->pathIRIs;
+    memento->pathComponents = installed->pathComponents;
+    memento->currentFolder = currentFolderPathManager.Load()->CreateMemento();
+    return memento;
+}
+
+void MainSearchPathManager::SetPathEntries(PathEntryVector entries, Tolvex::Notification& problems) {
+    const Tolvex::DiagnosticScope scope;
+    std::erase(entries, nullptr);
+    for (auto& entry : entries)
+        entry = WithoutPresentation(std::move(entry));
+    const auto registry = TolvexPackages::GetPackageRegistrar().GetRegistry();
+    detail::AcceptedEntries accepted = detail::ApplyPathAlterationRules(entries, *registry, problems);
+    DropRepeatedFolders(accepted.entries);
+
+    PathChange change = Compose(std::make_shared<const PathEntryVector>(std::move(accepted.entries)));
+    if (*change.paths->pathComponents != accepted.components)
+        change.paths->pathComponents = std::make_shared<const Components>(std::move(accepted.components));
+    InstallNewPath(std::move(change));
+}
+
+void MainSearchPathManager::SetPathEntries(const CanonicalIRIRange& folders, Tolvex::Notification& problems) {
+    const auto installed = installedPaths.Load();
+    const auto find = [&](const CanonicalAbsoluteIRI& folder) -> std::shared_ptr<const IPathEntry> {
+        if (auto stored = installed->storedPath->GetPathEntryFromAbsoluteIRI(folder))
+            return stored;
+        auto live = installed->path->GetPathEntryFromAbsoluteIRI(folder);
+        return live != nullptr && live == pathEntryFactory.GetLiveEntry(folder) ? live : nullptr;
+    };
+    PathEntryVector entries;
+    std::vector<Tolvex::AbsoluteIRI> missing;
+    for (const CanonicalAbsoluteIRI& folder : folders)
+        if (entries.push_back(find(folder)); entries.back() == nullptr)
+            missing.push_back(folder);
+    PathEntryVector created = pathEntryFactory.CreatePathEntries(missing, folderMonitor, problems);
+    for (auto next = created.begin(); auto& entry : entries)
+        if (entry == nullptr)
+            entry = std::move(*next++);
+    SetPathEntries(std::move(entries), problems);
+}
+
+void MainSearchPathManager::SetPath(std::shared_ptr<const IPath> path) {
+    Tolvex::Notification problems;
+    SetPathEntries(*path->GetMainEntries(), problems);
+}
+
+std::shared_ptr<void> MainSearchPathManager::PushMutabilityPolicy(PathManagerMutabilityPolicy policy) {
+    const auto saved = *mutabilityPolicy;
+    const auto restore = [saved, cell = mutabilityPolicy](void*) { *cell = saved; };
+    std::shared_ptr<void> token(mutabilityPolicy.get(), restore);
+    *mutabilityPolicy = policy;
+    return token;
+}
+
+void MainSearchPathManager::SetMutabilityPolicy(PathManagerMutabilityPolicy policy) {
+    *mutabilityPolicy = policy;
+}
+
+void MainSearchPathManager::SetCurrentFolderPolicy(CurrentFolderPolicy policy) {
+    if (policy == currentFolderPolicy)
+        return;
+    const auto before = std::exchange(currentFolderPolicy, policy);
+    try {
+        SetCurrentFolderPathManager();
+    } catch (...) {
+        currentFolderPolicy = before;
+        throw;
+    }
+    pendingRefresh.reset();
+    HandleCurrentFolderChanged();
+}
+
+void MainSearchPathManager::SetCurrentFolderPathManager() {
+    std::shared_ptr<ICurrentFolderPathManager> manager = currentFolderPathManagerFactory->Create(currentFolderPolicy);
+    manager->ConnectToCurrentFolderChanged([this](const auto&, const auto&) { HandleCurrentFolderChanged(); });
+    currentFolderPathManager.Exchange(std::move(manager));
+}
+
+/// Puts the present path of the current folder in front.
+void MainSearchPathManager::HandleCurrentFolderChanged() {
+    if (changeInProgress)
+        Refresh(RefreshType::knownChanges);
+    else
+        InstallNewPath(Compose());
+}
+
+void MainSearchPathManager::HandleRegistryChange() {
+    currentFolderPathManager.Load()->UpdateCurrentFolderComponent();
+    Refresh(RefreshType::knownChanges);
+}
+
+void MainSearchPathManager::RefreshPath(RefreshType type) {
+    Refresh(type);
+}
+
+void MainSearchPathManager::RebuildPath() {
+    InstallNewPath(Compose());
+    pathEntryFactory.UpdateObservation(*GetMonitoredPath()->GetMainEntries(), folderMonitor);
+}
+
+void MainSearchPathManager::Refresh(RefreshType type) {
+    const Tolvex::DiagnosticScope scope;
+    if (pendingRefresh)
+        type = std::max(type, *pendingRefresh);
+    if (changeInProgress) {
+        pendingRefresh = type;
+        return;
+    }
+    pendingRefresh.reset();
+    MarkPathEntriesOutOfDate(type);
+    const Tolvex::ChangeReport report = pathEntryFactory.GetChangesSince(refreshedUpTo);
+    PathEntryRefresher refresher(pathEntryFactory, folderMonitor);
+    for (const auto& entry : FindEntriesToAsk(report))
+        refresher.Refresh(entry);
+    const auto currentFolder = currentFolderPathManager.Load();
+    static_cast<void>(currentFolder->RequestRefresh(type)); // told apart below, whenever the entry was replaced
+
+    const auto installed = installedPaths.Load();
+    const auto oldEntries = installed->storedPath->GetMainEntries();
+    const auto entries = refresher.Replace(oldEntries);
+    if (entries == oldEntries && HaveSameMainEntries(*currentFolder->GetCurrentFolderPath(*installed->storedPath),
+                                                     *installed->currentFolderPath))
+        return NoteRefreshed(report.now);
+    PathChange change = Compose(entries);
+    change.isRefresh = true;
+    change.refreshedUpTo = report.now;
+    InstallNewPath(std::move(change));
+}
+
+/// The entries of the current folder are marked by whoever keeps it.
+void MainSearchPathManager::MarkPathEntriesOutOfDate(RefreshType type) const {
+    if (type == RefreshType::knownChanges || type == RefreshType::markCurrentFolder)
+        return;
+    const auto local = Tolvex::createLocalEventMgr();
+    installedPaths.Load()->storedPath->ForEachEntry(SearchScope::All(), [&local](const auto& entry) {
+        local->Publish(Tolvex::FileFolderChangedEvent(entry->GetIRI()));
+        return false;
+    });
+    local->Deliver();
+}
+
+/// The stored main entries that may be out of date.
+PathEntryVector MainSearchPathManager::FindEntriesToAsk(const Tolvex::ChangeReport& report) const {
+    const auto stored = installedPaths.Load()->storedPath;
+    if (report.askEachObserver)
+        return *stored->GetMainEntries();
+    PathEntryVector entries = entriesToAsk;
+    entries.insert(entries.end(), foreignEntries.begin(), foreignEntries.end());
+    for (const CanonicalAbsoluteIRI& folder : report.changed)
+        if (const auto entry = stored->GetPathEntryFromAbsoluteIRI(folder))
+            entries.push_back(stored->GetMainEntryForEntry(*entry));
+    return entries;
+}
+
+/// Every entry on the path that the factory answers for has been asked, or was made since.
+void MainSearchPathManager::NoteRefreshed(Tolvex::ChangeToken now) noexcept {
+    refreshedUpTo = now;
+    entriesToAsk.clear();
+}
+
+PathChange MainSearchPathManager::Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const {
+    return ComposePaths(*installedPaths.Load(), storedEntries, *currentFolderPathManager.Load(), pathFactory);
+}
+
+/// For the present stored entries.
+PathChange MainSearchPathManager::Compose() const {
+    return Compose(installedPaths.Load()->storedPath->GetMainEntries());
+}
+
+void MainSearchPathManager::InstallNewPath(PathChange change) {
+    using enum PathChangeEvent::Stage;
+    const std::array events{MakeEvent(beforeChange, change), MakeEvent(afterChange, change),
+                            MakeEvent(afterwards, change)};
+    switch (*mutabilityPolicy) {
+    case PathManagerMutabilityPolicy::allAlterations:
+        break;
+    case PathManagerMutabilityPolicy::noAddingOrRemoving:
+        if (!change.mainDifference.GetAdded()->empty() || !change.mainDifference.GetRemoved()->empty())
+            throw PathAlterationNotSupportedException();
+        break;
+    default:
+        Tolvex::DiagnosticTerminate("Unidentified PathManagerMutabilityPolicy assigned to MainSearchPathManager");
+    }
+    if (changeInProgress)
+        throw RecursivePathChangeException();
+    {
+        const ChangeGuard guard(changeInProgress);
+        eventManager->PublishNow(events[0]);
+        Install(change);
+        eventManager->PublishNow(events[1]);
+        eventManager->PublishNow(events[2]);
+    }
+    if (pendingRefresh)
+        Refresh(RefreshType::knownChanges);
+}
+
+/// What throws here comes before anything was replaced, but for a lack of memory while levels are set.
+void MainSearchPathManager::Install(const PathChange& change) {
+    const auto added = change.mainDifference.GetAdded();
+    const auto refreshed = change.mainDifference.GetRefreshedAfter();
+    PathEntryVector unasked = GetStillStored(entriesToAsk, *change.paths->storedPath);
+    unasked.insert(unasked.end(), added->begin(), added->end());
+    PathEntryVector foreign = GetStillStored(foreignEntries, *change.paths->storedPath);
+    for (const auto& come : {added, refreshed})
+        std::ranges::copy_if(*come, std::back_inserter(foreign), [this](const auto& entry) {
+            return pathEntryFactory.GetEntryState(*entry).source == PathEntrySource::unknown;
+        });
+    const auto replaced = installedPaths.Exchange(change.paths); // released behind all this
+    foreignEntries.swap(foreign);
+    entriesToAsk.swap(unasked);
+    if (change.refreshedUpTo)
+        NoteRefreshed(*change.refreshedUpTo);
+    folderMonitor.SetPath(change.paths->monitoredPath);
+    UpdateObservation(change);
+}
+
+/// Has what came watched, and what went no longer.
+void MainSearchPathManager::UpdateObservation(const PathChange& change) const {
+    for (const auto* difference : {&change.mainDifference, &change.currentFolderDifference})
+        for (const auto& entries : {difference->GetAdded(), difference->GetRemoved(), difference->GetRefreshedAfter()})
+            pathEntryFactory.UpdateObservation(*entries, folderMonitor);
+}
+
+PathChangeEvent MainSearchPathManager::MakeEvent(PathChangeEvent::Stage stage, const PathChange& change) const {
+    const PathEntryVectorDifferentiator& main = change.mainDifference;
+    const PathEntryVectorDifferentiator& current = change.currentFolderDifference;
+    return {stage,
+            *this,
+            change.currentFolderChanged,
+            change.isRefresh,
+            PathChangeEvent::IRIs(installedPaths.Load()->pathIRIs),
+            PathChangeEvent::IRIs(change.paths->pathIRIs),
+            main.GetAdded(),
+            main.GetRemoved(),
+            main.GetReordered(),
+            current.GetAdded(),
+            current.GetRemoved(),
+            current.GetReordered(),
+            PathChangeEvent::Entries(change.refreshedBefore),
+            PathChangeEvent::Entries(change.refreshedAfter)};
+}
+
+} // namespace PathManagement

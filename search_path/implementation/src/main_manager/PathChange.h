@@ -1,0 +1,48 @@
+#pragma once
+
+#include "path_interfaces/ICurrentFolderPathManager.h"
+#include "path_interfaces/IMainSearchPathManager.h"
+#include "path_interfaces/IPathFactory.h"
+#include "path_interfaces/events/PathChangeEvent.h"
+#include "path_utilities/PathEntryVectorDifferentiator.h"
+
+namespace PathManagement {
+
+/// What the last change installed. Replaced whole, never edited.
+struct InstalledPaths {
+    std::shared_ptr<const IPath> storedPath;        ///< what the user has set
+    std::shared_ptr<const IPath> path;              ///< the current folder's path and the stored one, no folder twice
+    std::shared_ptr<const IPath> secondaryPath;     ///< `path` without what only the current folder brought
+    std::shared_ptr<const IPath> monitoredPath;     ///< the current folder's path, then the stored one
+    std::shared_ptr<const IPath> currentFolderPath; ///< what stands in front in `path`
+    std::shared_ptr<const IMainSearchPathManager::IRIs> pathIRIs;
+    std::shared_ptr<const IMainSearchPathManager::Components> pathComponents;
+    bool modularPackagesEnabled = false;
+};
+
+/// A change on its way to being installed: the new paths, and what tells them from the installed ones.
+struct PathChange {
+    std::shared_ptr<InstalledPaths> paths;
+    bool currentFolderChanged = false;
+    bool isRefresh = false;
+    PathEntryVectorDifferentiator mainDifference;          ///< of the stored main entries
+    PathEntryVectorDifferentiator currentFolderDifference; ///< of those of the current folder's path
+    PathChangeEvent::Entries refreshedBefore;              ///< of both differences, each entry once
+    PathChangeEvent::Entries refreshedAfter;
+    /// Only of a refresh: up to here the observers have been asked for all entries of the new path.
+    std::optional<Tolvex::ChangeToken> refreshedUpTo;
+};
+
+/// Paths without any entry, to start from.
+[[nodiscard]] std::shared_ptr<const InstalledPaths> MakeEmptyPaths(const IPathFactory& pathFactory,
+                                                                   bool modularPackagesEnabled);
+
+/// Makes the paths for new stored entries and the present current folder, and compares them with the installed ones.
+/// Takes over what does not change. REQUIRES: each folder stands once in `storedEntries`.
+[[nodiscard]] PathChange ComposePaths(const InstalledPaths& installed,
+                                      const std::shared_ptr<const PathEntryVector>& storedEntries,
+                                      const ICurrentFolderPathManager& currentFolder, const IPathFactory& pathFactory);
+
+[[nodiscard]] bool HaveSameMainEntries(const IPath& a, const IPath& b);
+
+} // namespace PathManagement

@@ -34,10 +34,9 @@ CreateMainSearchPathManager(const boost::shared_ptr<Tolvex::EventMgr>& eventMana
     using EnableModularPackages = MainSearchPathManager::EnableModularPackages;
     const auto modularPackages =
         TolvexComponents::ComponentFeature::IsOn() ? EnableModularPackages::yes : EnableModularPackages::no;
-    return std::make_unique<MainSearchPathManager>(eventManager, packageRegistry, pathEntryFactory, pathFactory,
-                                                   std::move(currentFolderPathManagers),
-                                                   CurrentFolderPolicy::trackWorkingFolder, folderMonitor,
-                                                   modularPackages);
+    return std::make_unique<MainSearchPathManager>(
+        eventManager, packageRegistry, pathEntryFactory, pathFactory, std::move(currentFolderPathManagers),
+        CurrentFolderPolicy::trackWorkingFolder, folderMonitor, modularPackages);
 }
 
 } // namespace PathManagement

@@ -27,15 +27,17 @@ public:
                                                                        Tolvex::ustring_view name) {
         using namespace PathManagement;
         const SearchTarget target(name, GetExtensions());
-        return path.FindFirstInScope({PathEntryType::mainFolder}, target, FilenameMatchingPolicy::ignoreCase);
+        return path.FindFirstInScope(GetScope(), target, FilenameMatchingPolicy::ignoreCase);
     }
 
-private:
-    static std::span<const Tolvex::ustring> GetExtensions() {
+    /// What the interpreter asks for.
+    [[nodiscard]] static PathManagement::SearchScope GetScope() { return {PathManagement::PathEntryType::mainFolder}; }
+    [[nodiscard]] static std::span<const Tolvex::ustring> GetExtensions() {
         static const auto extensions = Tolvex::GetCodeFileExtensions();
         return extensions;
     }
 
+private:
     PathManagement::UniformFolderMonitor monitor;
 };
 

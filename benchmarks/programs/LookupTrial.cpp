@@ -83,10 +83,15 @@ LookupContender MakeNumberContender(std::string name, const NameCatalogue& catal
     return {std::move(name), [find](const LookupTask& task) { return Measure(task, find); }, answer};
 }
 
-/// A rival hands out what the path hands out: a counted handle of the entry and the item.
-template <class FindNumber>
-LookupContender MakeRival(std::string name, const NameCatalogue& catalogue, FindNumber findNumber) {
-    return MakeNumberContender(std::move(name), catalogue, findNumber, [&catalogue](std::uint32_t number) {
+/// A rival is asked what the path is asked, chooses among the files of the name, and hands out what the path hands out:
+/// a counted handle of the entry and the item.
+template <class FindFiles>
+LookupContender MakeRival(std::string name, const NameCatalogue& catalogue, FindFiles findFiles) {
+    const auto find = [&catalogue, findFiles](ustring_view wanted) -> std::optional<std::uint32_t> {
+        const std::optional<NameFiles> files = findFiles(wanted);
+        return files ? catalogue.Choose(*files, HostSession::GetScope(), HostSession::GetExtensions()) : std::nullopt;
+    };
+    return MakeNumberContender(std::move(name), catalogue, find, [&catalogue](std::uint32_t number) {
         const PathManagement::FoundItem answer = catalogue.MakeAnswer(number);
         Use(&answer);
     });
@@ -128,7 +133,7 @@ LookupContender MakeFlatTableContender(const NameCatalogue& catalogue) {
 
 LookupContender MakeAccessorContender(const NameCatalogue& catalogue) {
     const ConcurrentNameMap& map = catalogue.GetConcurrentMap();
-    return MakeRival("tbb accessor", catalogue, [&map](ustring_view name) -> std::optional<std::uint32_t> {
+    return MakeRival("tbb accessor", catalogue, [&map](ustring_view name) -> std::optional<NameFiles> {
         ConcurrentNameMap::const_accessor record;
         if (!map.find(record, FoldForMap(name)))
             return std::nullopt;
@@ -138,7 +143,7 @@ LookupContender MakeAccessorContender(const NameCatalogue& catalogue) {
 
 LookupContender MakeEqualRangeContender(const NameCatalogue& catalogue) {
     const ConcurrentNameMap& map = catalogue.GetConcurrentMap();
-    return MakeRival("tbb equal_range", catalogue, [&map](ustring_view name) -> std::optional<std::uint32_t> {
+    return MakeRival("tbb equal_range", catalogue, [&map](ustring_view name) -> std::optional<NameFiles> {
         const auto [first, last] = map.equal_range(FoldForMap(name));
         if (first == last)
             return std::nullopt;

@@ -1,6 +1,7 @@
 #include "programs/NameCatalogue.h"
 
 #include <algorithm>
+#include <span>
 #include <unordered_map>
 
 namespace KxBenchmarks {
@@ -21,6 +22,11 @@ struct Answer {
     std::uint32_t number;
 };
 
+struct Name {
+    Answer answer{};
+    std::vector<std::uint32_t> files;
+};
+
 class AnswerCollector {
 public:
     void Add(const std::shared_ptr<const IPathEntry>& handle) {
@@ -29,16 +35,17 @@ public:
         for (const auto& item : *entry.GetPathItems()) {
             const Rank rank = isMain ? GetRank(*item) : none;
             const Answer answer{rank, static_cast<std::uint32_t>(items.size())};
-            items.push_back({&entries.back(), item.get()});
-            const auto [known, isNew] = answers.emplace(item->GetNormalizedStem(), answer);
-            if (!isNew && rank < known->second.rank)
-                known->second = answer;
+            items.push_back({&entries.back(), item.get(), entry.GetPathEntryType()});
+            Name& name = names[item->GetNormalizedStem()];
+            if (name.files.empty() || rank < name.answer.rank)
+                name.answer = answer;
+            name.files.push_back(answer.number);
         }
     }
 
     std::deque<std::shared_ptr<const IPathEntry>> entries;
     std::vector<CataloguedItem> items;
-    std::unordered_map<ustring_view, Answer> answers; // views into the items
+    std::unordered_map<ustring_view, Name> names; // views into the items
 
 private:
     static constexpr Rank none{static_cast<std::size_t>(-1), 0};
@@ -63,14 +70,34 @@ AnswerCollector Collect(const IPath& path) {
 
 NameCatalogue::NameCatalogue(const IPath& path) : flatTable(0) {
     AnswerCollector collector = Collect(path);
-    flatTable = FlatNameTable(collector.answers.size());
-    for (const auto& [name, answer] : collector.answers) {
-        flatTable.Add(name, answer.number);
-        flatMap.Add(name, answer.number);
-        concurrentMap.emplace(ustring(name), answer.number);
+    flatTable = FlatNameTable(collector.names.size());
+    for (const auto& [text, name] : collector.names) {
+        flatTable.Add(text, name.answer.number);
+        flatMap.Add(text, name.answer.number);
+        const NameFiles ofName{static_cast<std::uint32_t>(files.size()), static_cast<std::uint32_t>(name.files.size())};
+        concurrentMap.emplace(ustring(text), ofName);
+        files.insert(files.end(), name.files.begin(), name.files.end());
     }
     entries = std::move(collector.entries);
     items = std::move(collector.items);
+}
+
+std::optional<std::uint32_t> NameCatalogue::Choose(NameFiles ofName, SearchScope scope,
+                                                   std::span<const ustring> extensions) const {
+    std::optional<std::uint32_t> best;
+    for (const std::uint32_t number : std::span(files).subspan(ofName.first, ofName.count)) {
+        const CataloguedItem& candidate = items[number];
+        if (best && candidate.entry != items[*best].entry)
+            break; // what follows lies later on the path
+        const ustring_view itsExtension = candidate.item->GetExtension();
+        const auto rank = std::ranges::find_if(
+            extensions, [itsExtension](const ustring& wanted) { return Tolvex::IsSameText(wanted, itsExtension); });
+        if (!scope.Contains(candidate.type) || rank == extensions.end())
+            continue;
+        best = number;
+        extensions = extensions.first(static_cast<std::size_t>(rank - extensions.begin()));
+    }
+    return best;
 }
 
 } // namespace KxBenchmarks

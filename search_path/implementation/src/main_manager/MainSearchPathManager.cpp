@@ -78,7 +78,7 @@ PathEntryVector GetStillStored(const PathEntryVector& entries, const IPath& stor
 /// Sets a flag for as long as it lives.
 class ChangeGuard {
 public:
-    explicit ChangeGuard(bool& flag) noexcept : flag(flag) { flag = true; }
+    explicit ChangeGuard(bool& changeInProgress) noexcept : flag(changeInProgress) { flag = true; }
     ~ChangeGuard() { flag = false; }
     ChangeGuard(const ChangeGuard&) = delete;
     ChangeGuard& operator=(const ChangeGuard&) = delete;

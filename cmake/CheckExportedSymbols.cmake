@@ -3,6 +3,7 @@
 
 execute_process(COMMAND ${NM} --dynamic --defined-only --demangle --format=just-symbols ${LIBRARY}
   OUTPUT_VARIABLE visible OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "> >" ">>" visible "${visible}") # some tools write it so
 string(REPLACE "\n" ";" visible "${visible}")
 list(SORT visible)
 file(STRINGS ${EXPECTED} expected)

@@ -25,6 +25,8 @@ public:
         registry->SetLevel(folder, level);
     }
 
+    void lookAt(std::span<const CanonicalAbsoluteIRI> folders) override { registry->LookAt(folders); }
+
     [[nodiscard]] ChangeReport getChangesSince(ChangeToken token) override {
         try {
             return registry->GetChangesSince(token);

@@ -21,24 +21,28 @@ ObserverRegistry::LookRound::LookRound(ObserverRegistry& registry, Lock& lock)
     registry.isShort = false;
 }
 
-void ObserverRegistry::LookRound::Include(ObservedFolder& folder) {
-    const auto suspicions = folder.suspicions;
+void ObserverRegistry::LookRound::Include(ObservedFolder& folder, FrozenInclusion frozen) {
+    Look look{boost::intrusive_ptr<ObservedFolder>(&folder), folder.suspicions, frozen};
     if (folder.rule == ObservedFolder::LookRule::once)
         registry.Arm(folder);
-    if (IsToBeLookedAt(folder))
-        looks.push_back({boost::intrusive_ptr<ObservedFolder>(&folder), suspicions});
+    if (IsToBeLookedAt(folder, frozen) &&
+        std::ranges::any_of(folder.observers, [&look](const auto& observer) { return look.Concerns(observer); }))
+        looks.push_back(std::move(look));
 }
 
-bool ObserverRegistry::LookRound::IsToBeLookedAt(ObservedFolder& folder) const {
-    if (folder.rule == ObservedFolder::LookRule::never)
+bool ObserverRegistry::LookRound::IsToBeLookedAt(ObservedFolder& folder, FrozenInclusion frozen) const {
+    if (folder.rule == ObservedFolder::LookRule::never && frozen == FrozenInclusion::excluded)
         return false;
-    const bool isOfUse = std::ranges::any_of(folder.observers, &FileFolderObserver::IsCurious);
     if (folder.kind != StorageKind::remote)
-        return isOfUse;
+        return true;
     const auto remotePolicy = registry.GetRemotePathPolicy();
     if (remotePolicy == RemotePathPolicy::reload)
-        registry.MarkAllChanged(folder);
-    return remotePolicy == RemotePathPolicy::timecheckDir && isOfUse;
+        registry.MarkAllChanged(folder, frozen);
+    return remotePolicy == RemotePathPolicy::timecheckDir;
+}
+
+bool ObserverRegistry::LookRound::Look::Concerns(const FileFolderObserver& observer) const noexcept {
+    return frozen == FrozenInclusion::included ? !observer.IsChanged() : observer.IsCurious();
 }
 
 void ObserverRegistry::LookRound::Run() {
@@ -83,7 +87,7 @@ std::vector<ChangeMark> ObserverRegistry::LookRound::TakeMarks() const {
 void ObserverRegistry::LookRound::Apply(const Look& look, const ChangeMark& now) const {
     auto& folder = *look.folder;
     for (auto& observer : folder.observers)
-        if (observer.GetNumber() <= lastNumber && observer.IsCurious() && observer.Refutes(now))
+        if (observer.GetNumber() <= lastNumber && look.Concerns(observer) && observer.Refutes(now))
             registry.MarkChanged(folder, observer);
     const bool isSettled = folder.isWatched && folder.suspicions == look.suspicions;
     if (isSettled && folder.rule == ObservedFolder::LookRule::once)

@@ -90,6 +90,19 @@ bool ObserverRegistry::FindChanged(ObservedFolder& folder, const FileFolderObser
     }
 }
 
+void ObserverRegistry::LookAt(std::span<const CanonicalAbsoluteIRI> locations) {
+    Lock lock(mutex);
+    Drain();
+    LookRound round(*this, lock);
+    for (const auto& location : locations) {
+        if (auto* const folder = Find(location)) {
+            FindKind(*folder);
+            round.Include(*folder, FrozenInclusion::included);
+        }
+    }
+    round.Run();
+}
+
 ChangeReport ObserverRegistry::GetChangesSince(ChangeToken token) {
     Lock lock(mutex);
     Drain();
@@ -115,12 +128,8 @@ ChangeReport ObserverRegistry::GetChangesSince(ChangeToken token) {
 
 void ObserverRegistry::MarkChanged(const AbsoluteIRI& location, FrozenInclusion frozen) {
     const Lock lock(mutex);
-    auto* const folder = Find(location);
-    if (!folder)
-        return;
-    for (auto& observer : folder->observers)
-        if (frozen == FrozenInclusion::included || observer.GetLevel() != ObservationLevel::none)
-            MarkChanged(*folder, observer);
+    if (auto* const folder = Find(location))
+        MarkAllChanged(*folder, frozen);
 }
 
 ObservedFolder* ObserverRegistry::Find(const AbsoluteIRI& location) const {
@@ -215,9 +224,9 @@ void ObserverRegistry::MarkChanged(ObservedFolder& folder, FileFolderObserver& o
     history.Add(folder);
 }
 
-void ObserverRegistry::MarkAllChanged(ObservedFolder& folder) noexcept {
+void ObserverRegistry::MarkAllChanged(ObservedFolder& folder, FrozenInclusion frozen) noexcept {
     for (auto& observer : folder.observers)
-        if (observer.GetLevel() != ObservationLevel::none)
+        if (frozen == FrozenInclusion::included || observer.GetLevel() != ObservationLevel::none)
             MarkChanged(folder, observer);
 }
 

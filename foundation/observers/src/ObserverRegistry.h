@@ -31,6 +31,7 @@ public:
 
     /// Brings what is known of the folder up to now; whether the observer, one of the folder's, has changed then.
     [[nodiscard]] bool FindChanged(ObservedFolder& folder, const FileFolderObserver& observer) noexcept;
+    void LookAt(std::span<const CanonicalAbsoluteIRI> locations);
     /// Brings what is known of all folders up to now.
     [[nodiscard]] ChangeReport GetChangesSince(ChangeToken token);
     void MarkChanged(const AbsoluteIRI& location, FrozenInclusion frozen);
@@ -68,7 +69,7 @@ private:
     void FindKind(ObservedFolder& folder);
     void Arm(ObservedFolder& folder);
     void MarkChanged(ObservedFolder& folder, FileFolderObserver& observer) noexcept;
-    void MarkAllChanged(ObservedFolder& folder) noexcept;
+    void MarkAllChanged(ObservedFolder& folder, FrozenInclusion frozen) noexcept;
 
     const std::weak_ptr<const StorageSystem> storage;
     const ObservationOptions options;

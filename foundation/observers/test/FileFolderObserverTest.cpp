@@ -59,6 +59,25 @@ TEST_F(FileFolderObserver, ARaisedLevelSeesWhatChangedSinceTheFirstMark) {
     EXPECT_FALSE(other->hasChanged());
 }
 
+TEST_F(FileFolderObserver, OneLookSpeaksToFrozenObserversAndLeavesTheLevelsAlone) {
+    const auto frozen = Observe("/a", ObservationLevel::none);
+    const auto watching = Observe("/a", ObservationLevel::notification);
+    const std::vector folders{CanonicalAbsoluteIRI::fromCanonical(MemoryStorage::GetIRI("/a"))};
+    factory.lookAt(folders);
+    EXPECT_FALSE(frozen->hasChanged());
+    storage->Add("/a/new.kx");
+    storage->GetClock().Advance(1s);
+    EXPECT_FALSE(frozen->hasChanged());
+    factory.lookAt(folders);
+    EXPECT_TRUE(frozen->hasChanged());
+    EXPECT_TRUE(watching->hasChanged());
+    const auto later = Observe("/a", ObservationLevel::notification);
+    factory.lookAt(folders);
+    storage->Remove("/a/new.kx");
+    storage->GetClock().Advance(1s);
+    EXPECT_TRUE(later->hasChanged());
+}
+
 TEST_F(FileFolderObserver, TheEndOfOneObserverLeavesItsTwinWatching) {
     const auto kept = Observe("/a", ObservationLevel::none);
     Observe("/a", ObservationLevel::none).reset();

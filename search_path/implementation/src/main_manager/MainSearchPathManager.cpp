@@ -172,8 +172,8 @@ void MainSearchPathManager::SetPathEntries(const CanonicalIRIRange& folders, Tol
     const auto find = [&](const CanonicalAbsoluteIRI& folder) -> std::shared_ptr<const IPathEntry> {
         if (auto stored = installed->storedPath->GetPathEntryFromAbsoluteIRI(folder))
             return stored;
-        auto live = installed->path->GetPathEntryFromAbsoluteIRI(folder);
-        return live != nullptr && live == pathEntryFactory.GetLiveEntry(folder) ? live : nullptr;
+        auto inFront = installed->path->GetPathEntryFromAbsoluteIRI(folder);
+        return inFront != nullptr && inFront == WithoutPresentation(inFront) ? inFront : nullptr;
     };
     PathEntryVector entries;
     std::vector<Tolvex::AbsoluteIRI> missing;

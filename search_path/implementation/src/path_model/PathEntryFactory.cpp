@@ -114,16 +114,13 @@ std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIR
 
 /// For an entry whose folders nobody looks at: looks at them once.
 bool PathEntryFactory::IsOutOfDateAtOneLook(const PathEntry& entry) const {
-    const auto setLevels = [&](FolderMonitoringLevel level) {
-        entry.ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& each) {
-            building.observers.setObservationLevel(each->GetIRI(), level);
-            return false;
-        });
-    };
-    setLevels(FolderMonitoringLevel::timeCheck);
-    const bool isOutOfDate = entry.IsOutOfDate();
-    setLevels(FolderMonitoringLevel::none);
-    return isOutOfDate;
+    std::vector<CanonicalAbsoluteIRI> locations;
+    entry.ForEachEntry(SearchScope::All(), [&locations](const std::shared_ptr<const IPathEntry>& each) {
+        locations.push_back(each->GetIRI());
+        return false;
+    });
+    building.observers.lookAt(locations);
+    return entry.IsOutOfDate();
 }
 
 void PathEntryFactory::UpdateObservation(std::span<const std::shared_ptr<const IPathEntry>> entries,

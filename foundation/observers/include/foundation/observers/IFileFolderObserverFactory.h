@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -71,6 +72,10 @@ public:
     /// Changes the level of the live observers of a folder: entries are made before their folders are on the monitored
     /// path, so the level given at creation is only the first one.
     virtual void setObservationLevel(const CanonicalAbsoluteIRI& folder, ObservationLevel level) = 0;
+
+    /// Looks at these folders once, whatever their levels: observers that this refutes have changed from then on.
+    /// Remote folders by their policy.
+    virtual void lookAt(std::span<const CanonicalAbsoluteIRI> folders) = 0;
 
     /// "Has anything changed since, and what?", answered once for all observers that are alive. Sees every change made
     /// by any process of this machine before the call, as far as `askEachObserver` is false. Costs what changed, and a

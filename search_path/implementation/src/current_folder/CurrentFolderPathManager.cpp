@@ -126,7 +126,7 @@ std::shared_ptr<const IPath> CurrentFolderPathManager::GetCurrentFolderPath(cons
 }
 
 void CurrentFolderPathManager::ConnectToCurrentFolderChanged(CurrentFolderChangedCallback callback) {
-    currentFolderChanged->connect(std::move(callback));
+    currentFolderChanged->connect(callback);
 }
 
 void CurrentFolderPathManager::HandleCurrentFolderChanged(const CanonicalAbsoluteIRI& newFolder) {

@@ -48,7 +48,8 @@ private:
     const IFolderMonitor& folderMonitor;
     AtomicHandle<const State> state; // component, entry and path, replaced together
     const std::shared_ptr<Signal> currentFolderChanged;
-    Tolvex::ScopedConnection m_currentFolderListener; // last: cut before anything its handler uses goes
+    // Last: cut before anything its handler uses goes. The assertion about it names it, too.
+    Tolvex::ScopedConnection m_currentFolderListener; // NOLINT(readability-identifier-naming)
 };
 
 } // namespace PathManagement

@@ -164,7 +164,7 @@ void MainSearchPathManager::SetPathEntries(PathEntryVector entries, Tolvex::Noti
     PathChange change = Compose(std::make_shared<const PathEntryVector>(std::move(accepted.entries)));
     if (*change.paths->pathComponents != accepted.components)
         change.paths->pathComponents = std::make_shared<const Components>(std::move(accepted.components));
-    InstallNewPath(std::move(change));
+    InstallNewPath(change);
 }
 
 void MainSearchPathManager::SetPathEntries(const CanonicalIRIRange& folders, Tolvex::Notification& problems) {
@@ -272,7 +272,7 @@ void MainSearchPathManager::Refresh(RefreshType type) {
     PathChange change = Compose(entries);
     change.isRefresh = true;
     change.refreshedUpTo = report.now;
-    InstallNewPath(std::move(change));
+    InstallNewPath(change);
 }
 
 /// The entries of the current folder are marked by whoever keeps it.
@@ -315,7 +315,7 @@ PathChange MainSearchPathManager::Compose() const {
     return Compose(installedPaths.Load()->storedPath->GetMainEntries());
 }
 
-void MainSearchPathManager::InstallNewPath(PathChange change) {
+void MainSearchPathManager::InstallNewPath(const PathChange& change) {
     using enum PathChangeEvent::Stage;
     const std::array events{MakeEvent(beforeChange, change), MakeEvent(afterChange, change),
                             MakeEvent(afterwards, change)};

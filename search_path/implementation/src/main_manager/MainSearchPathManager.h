@@ -59,7 +59,7 @@ private:
     void NoteRefreshed(Tolvex::ChangeToken now) noexcept;
     [[nodiscard]] PathChange Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const;
     [[nodiscard]] PathChange Compose() const;
-    void InstallNewPath(PathChange change);
+    void InstallNewPath(const PathChange& change);
     void Install(const PathChange& change);
     void UpdateObservation(const PathChange& change) const;
     [[nodiscard]] PathChangeEvent MakeEvent(PathChangeEvent::Stage stage, const PathChange& change) const;

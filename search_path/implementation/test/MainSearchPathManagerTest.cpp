@@ -212,6 +212,55 @@ TEST(MainSearchPathManager, ARefreshSeesEveryKindOfFolder) {
     }
 }
 
+TEST(MainSearchPathManager, ACurrentFolderThatIsNotInFrontYetIsReadAgain) {
+    ManagerWorld world(disk);
+    EventLog log(world);
+    log.onEvent = [&](const PathChangeEvent& event) {
+        if (event.GetStage() == PathChangeEvent::Stage::afterwards && !event.IsRefresh()) {
+            world.ChangeFolder("/other");
+            world.OnDisk([](auto& storage) { storage.Add("/other/late.kx"); });
+        }
+    };
+    world.Set({"/a"});
+    EXPECT_EQ(world.Find("late"), "/other/late.kx");
+
+    log.onEvent = [&](const PathChangeEvent& event) {
+        if (event.GetStage() == PathChangeEvent::Stage::beforeChange)
+            throw std::runtime_error("handler");
+    };
+    EXPECT_THROW(world.ChangeFolder("/c"), std::runtime_error);
+    log.onEvent = nullptr;
+    world.OnDisk([](auto& storage) { storage.Add("/c/unseen.kx"); });
+    world.manager.RefreshPath(RefreshType::knownChanges);
+    EXPECT_EQ(world.Find("unseen"), "/c/unseen.kx");
+}
+
+TEST(MainSearchPathManager, ReadsTheCurrentFolderAgainOnRequestAlsoWhereItIsStored) {
+    for (const RefreshType type : {RefreshType::markCurrentFolder, RefreshType::markEverything}) {
+        ManagerWorld world(disk, "/b");
+        world.Set({"/b"});
+        EventLog log(world);
+        world.TakeListings();
+        world.manager.RefreshPath(type);
+        EXPECT_EQ(log.Take(), Stages(" !/b refresh"));
+        EXPECT_EQ(world.TakeListings(), 1u);
+    }
+}
+
+/// Somebody keeps the entry of a main folder, so that its child stays the child of a folder that is no longer stored.
+TEST(MainSearchPathManager, SeesAPrivateCurrentFolderGoWithTheFolderAbove) {
+    ManagerWorld world(disk);
+    world.Set({"/a"});
+    const auto held = world.manager.CreateMemento()->storedPath->GetMainEntries()->front();
+    world.ChangeFolder("/a/private");
+    world.Set({"/a", "/b"});
+    EXPECT_EQ(world.Find("p"), "/a/private/p.kx");
+    world.OnDisk([](auto& storage) { storage.Remove("/a"); });
+    world.manager.RefreshPath(RefreshType::knownChanges);
+    EXPECT_EQ(world.Find("p"), "-");
+    EXPECT_EQ(world.Find("f"), "/b/f.kx");
+}
+
 TEST(MainSearchPathManager, GoesBackToAMementoAndReadsWhatChangedMeanwhile) {
     ManagerWorld world(disk);
     world.Set({"/a", "/b"});
@@ -231,9 +280,13 @@ TEST(MainSearchPathManager, GoesBackToAMementoAndReadsWhatChangedMeanwhile) {
 TEST(MainSearchPathManager, ChangesCostWhatChanged) {
     ManagerWorld world(disk);
     world.Set({"/a", "/b"});
+    const auto locations = world.manager.GetPathIRIs();
+    const auto stored = world.manager.CreateMemento()->storedPath;
     world.TakeListings();
     world.ChangeFolder("/other");
     EXPECT_EQ(world.TakeListings(), 1u);
+    EXPECT_EQ(world.manager.GetPathIRIs(), locations) << "the same list, not one like it";
+    EXPECT_EQ(world.manager.CreateMemento()->storedPath, stored);
     world.Set({"/a", "/b", "/c"});
     EXPECT_EQ(world.TakeListings(), 2u) << "the new folder and what lies in it";
     world.Set({"/c", "/b", "/a"});

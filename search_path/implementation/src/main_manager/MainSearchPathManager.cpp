@@ -157,9 +157,9 @@ void MainSearchPathManager::SetPathEntries(PathEntryVector entries, Tolvex::Noti
     std::erase(entries, nullptr);
     for (auto& entry : entries)
         entry = WithoutPresentation(std::move(entry));
+    DropRepeatedFolders(entries);
     const auto registry = TolvexPackages::GetPackageRegistrar().GetRegistry();
     detail::AcceptedEntries accepted = detail::ApplyPathAlterationRules(entries, *registry, problems);
-    DropRepeatedFolders(accepted.entries);
 
     PathChange change = Compose(std::make_shared<const PathEntryVector>(std::move(accepted.entries)));
     if (*change.paths->pathComponents != accepted.components)
@@ -169,8 +169,9 @@ void MainSearchPathManager::SetPathEntries(PathEntryVector entries, Tolvex::Noti
 
 void MainSearchPathManager::SetPathEntries(const CanonicalIRIRange& folders, Tolvex::Notification& problems) {
     const auto installed = installedPaths.Load();
+    const bool isFrontOurs = !GetCurrentFolderComponent(); // else its entries are the component's own
     const auto find = [&](const CanonicalAbsoluteIRI& folder) -> std::shared_ptr<const IPathEntry> {
-        if (auto stored = installed->storedPath->GetPathEntryFromAbsoluteIRI(folder))
+        if (auto stored = installed->storedPath->GetPathEntryFromAbsoluteIRI(folder); stored || !isFrontOurs)
             return stored;
         auto inFront = installed->path->GetPathEntryFromAbsoluteIRI(folder);
         return inFront != nullptr && inFront == WithoutPresentation(inFront) ? inFront : nullptr;
@@ -255,19 +256,16 @@ void MainSearchPathManager::Refresh(RefreshType type) {
         return;
     }
     pendingRefresh.reset();
-    MarkPathEntriesOutOfDate(type);
+    MarkEntriesOutOfDate(type);
     const Tolvex::ChangeReport report = pathEntryFactory.GetChangesSince(refreshedUpTo);
     PathEntryRefresher refresher(pathEntryFactory, folderMonitor);
     for (const auto& entry : FindEntriesToAsk(report))
         refresher.Refresh(entry);
-    const auto currentFolder = currentFolderPathManager.Load();
-    static_cast<void>(currentFolder->RequestRefresh(type)); // told apart below, whenever the entry was replaced
+    static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(RefreshType::knownChanges));
 
-    const auto installed = installedPaths.Load();
-    const auto oldEntries = installed->storedPath->GetMainEntries();
+    const auto oldEntries = installedPaths.Load()->storedPath->GetMainEntries();
     const auto entries = refresher.Replace(oldEntries);
-    if (entries == oldEntries && HaveSameMainEntries(*currentFolder->GetCurrentFolderPath(*installed->storedPath),
-                                                     *installed->currentFolderPath))
+    if (entries == oldEntries && IsCurrentFolderInFront())
         return NoteRefreshed(report.now);
     PathChange change = Compose(entries);
     change.isRefresh = true;
@@ -275,7 +273,24 @@ void MainSearchPathManager::Refresh(RefreshType type) {
     InstallNewPath(change);
 }
 
-/// The entries of the current folder are marked by whoever keeps it.
+/// Whether the installed path has in front what stands for the current folder now.
+bool MainSearchPathManager::IsCurrentFolderInFront() const {
+    const auto installed = installedPaths.Load();
+    return HaveSameMainEntries(*currentFolderPathManager.Load()->GetCurrentFolderPath(*installed->storedPath),
+                               *installed->currentFolderPath);
+}
+
+/// What stands for the current folder is read again at once. While it is not in front nobody watches it, so that it
+/// cannot know what changed since it was read.
+void MainSearchPathManager::MarkEntriesOutOfDate(RefreshType type) const {
+    if (!IsCurrentFolderInFront())
+        type = std::max(type, RefreshType::markCurrentFolder);
+    MarkPathEntriesOutOfDate(type);
+    if (type != RefreshType::knownChanges)
+        static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(type));
+}
+
+/// Those of the current folder are marked by whoever keeps it.
 void MainSearchPathManager::MarkPathEntriesOutOfDate(RefreshType type) const {
     if (type == RefreshType::knownChanges || type == RefreshType::markCurrentFolder)
         return;
@@ -292,8 +307,8 @@ PathEntryVector MainSearchPathManager::FindEntriesToAsk(const Tolvex::ChangeRepo
     const auto stored = installedPaths.Load()->storedPath;
     if (report.askEachObserver)
         return *stored->GetMainEntries();
-    PathEntryVector entries = entriesToAsk;
-    entries.insert(entries.end(), foreignEntries.begin(), foreignEntries.end());
+    PathEntryVector entries = toAsk.sinceRefresh;
+    entries.insert(entries.end(), toAsk.foreign.begin(), toAsk.foreign.end());
     for (const CanonicalAbsoluteIRI& folder : report.changed)
         if (const auto entry = stored->GetPathEntryFromAbsoluteIRI(folder))
             entries.push_back(stored->GetMainEntryForEntry(*entry));
@@ -303,7 +318,7 @@ PathEntryVector MainSearchPathManager::FindEntriesToAsk(const Tolvex::ChangeRepo
 /// Every entry on the path that the factory answers for has been asked, or was made since.
 void MainSearchPathManager::NoteRefreshed(Tolvex::ChangeToken now) noexcept {
     refreshedUpTo = now;
-    entriesToAsk.clear();
+    toAsk.sinceRefresh.clear();
 }
 
 PathChange MainSearchPathManager::Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const {
@@ -344,22 +359,29 @@ void MainSearchPathManager::InstallNewPath(const PathChange& change) {
 
 /// What throws here comes before anything was replaced, but for a lack of memory while levels are set.
 void MainSearchPathManager::Install(const PathChange& change) {
-    const auto added = change.mainDifference.GetAdded();
-    const auto refreshed = change.mainDifference.GetRefreshedAfter();
-    PathEntryVector unasked = GetStillStored(entriesToAsk, *change.paths->storedPath);
-    unasked.insert(unasked.end(), added->begin(), added->end());
-    PathEntryVector foreign = GetStillStored(foreignEntries, *change.paths->storedPath);
-    for (const auto& come : {added, refreshed})
-        std::ranges::copy_if(*come, std::back_inserter(foreign), [this](const auto& entry) {
-            return pathEntryFactory.GetEntryState(*entry).source == PathEntrySource::unknown;
-        });
+    std::optional<EntriesToAsk> next;
+    if (change.paths->storedPath != installedPaths.Load()->storedPath)
+        next = FindEntriesToAsk(change);
     const auto replaced = installedPaths.Exchange(change.paths); // released behind all this
-    foreignEntries.swap(foreign);
-    entriesToAsk.swap(unasked);
+    if (next)
+        std::swap(toAsk, *next);
     if (change.refreshedUpTo)
         NoteRefreshed(*change.refreshedUpTo);
     folderMonitor.SetPath(change.paths->monitoredPath);
     UpdateObservation(change);
+}
+
+/// The stored main entries that a refresh will ask whatever the factory reports, once `change` is made.
+MainSearchPathManager::EntriesToAsk MainSearchPathManager::FindEntriesToAsk(const PathChange& change) const {
+    const IPath& storedPath = *change.paths->storedPath;
+    const auto added = change.mainDifference.GetAdded();
+    EntriesToAsk next{GetStillStored(toAsk.sinceRefresh, storedPath), GetStillStored(toAsk.foreign, storedPath)};
+    next.sinceRefresh.insert(next.sinceRefresh.end(), added->begin(), added->end());
+    for (const auto& come : {added, change.mainDifference.GetRefreshedAfter()})
+        std::ranges::copy_if(*come, std::back_inserter(next.foreign), [this](const auto& entry) {
+            return pathEntryFactory.GetEntryState(*entry).source == PathEntrySource::unknown;
+        });
+    return next;
 }
 
 /// Has what came watched, and what went no longer.

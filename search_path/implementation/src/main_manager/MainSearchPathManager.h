@@ -50,12 +50,21 @@ public:
     void RebuildPath() override;
 
 private:
+    /// Stored main entries that a refresh asks whatever the factory reports.
+    struct EntriesToAsk {
+        PathEntryVector sinceRefresh; // what changed before they came may have been asked already
+        PathEntryVector foreign;      // the factory's observers do not speak for them
+    };
+
     void SetCurrentFolderPathManager();
     void HandleCurrentFolderChanged();
     void HandleRegistryChange();
     void Refresh(RefreshType type);
+    [[nodiscard]] bool IsCurrentFolderInFront() const;
+    void MarkEntriesOutOfDate(RefreshType type) const;
     void MarkPathEntriesOutOfDate(RefreshType type) const;
     [[nodiscard]] PathEntryVector FindEntriesToAsk(const Tolvex::ChangeReport& report) const;
+    [[nodiscard]] EntriesToAsk FindEntriesToAsk(const PathChange& change) const;
     void NoteRefreshed(Tolvex::ChangeToken now) noexcept;
     [[nodiscard]] PathChange Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const;
     [[nodiscard]] PathChange Compose() const;
@@ -78,9 +87,7 @@ private:
     const std::shared_ptr<PathManagerMutabilityPolicy> mutabilityPolicy =
         std::make_shared<PathManagerMutabilityPolicy>(PathManagerMutabilityPolicy::allAlterations);
     Tolvex::ChangeToken refreshedUpTo;
-    /// Stored main entries that came since the last refresh: what changed before they came may have been asked already.
-    PathEntryVector entriesToAsk;
-    PathEntryVector foreignEntries;            // stored main entries that the factory's observers do not speak for
+    EntriesToAsk toAsk;
     Tolvex::ScopedConnection registryListener; // last: cut before anything its handler uses goes
 };
 

@@ -12,8 +12,7 @@ namespace PathManagement {
 
 namespace {
 
-void InstallFolderMonitor(const IPathFactory& pathFactory) {
-    TolvexPackages::IPackageRegistrar& registrar = TolvexPackages::GetPackageRegistrar();
+void InstallFolderMonitor(TolvexPackages::IPackageRegistrar& registrar, const IPathFactory& pathFactory) {
     auto emptyPath = pathFactory.CreatePath(std::make_shared<const PathEntryVector>(), nullptr);
     const Tolvex::AbsoluteIRI installation = GetIRIFromString(Tolvex::get_install_path());
     SetFolderMonitor(std::make_unique<FolderMonitor>(Tolvex::CanonicalAbsoluteIRI(installation, {}),
@@ -25,8 +24,9 @@ void InstallFolderMonitor(const IPathFactory& pathFactory) {
 std::unique_ptr<IMainSearchPathManager>
 CreateMainSearchPathManager(const boost::shared_ptr<Tolvex::EventMgr>& eventManager,
                             TolvexComponents::IModularPackageRegistry& packageRegistry) {
+    TolvexPackages::IPackageRegistrar& registrar = TolvexPackages::GetPackageRegistrar();
     const IPathFactory& pathFactory = GetCurrentPathFactory();
-    InstallFolderMonitor(pathFactory);
+    InstallFolderMonitor(registrar, pathFactory);
     IFolderMonitor& folderMonitor = GetFolderMonitor();
     IPathEntryFactory& pathEntryFactory = GetPathEntryFactory();
     auto currentFolderPathManagers = std::make_unique<CurrentFolderPathManagerFactory>(

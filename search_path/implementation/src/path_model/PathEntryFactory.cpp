@@ -129,10 +129,17 @@ void PathEntryFactory::UpdateObservation(std::span<const std::shared_ptr<const I
         UpdateObservation(*entry, monitor);
 }
 
+/// A folder that the monitor does not know is observed like the one above it.
 void PathEntryFactory::UpdateObservation(const IPathEntry& top, const IFolderMonitor& monitor) const {
+    std::vector<std::pair<CanonicalAbsoluteIRI, FolderMonitoringLevel>> above;
     top.ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
         const CanonicalAbsoluteIRI location = entry->GetIRI();
-        const FolderMonitoringLevel level = monitor.GetMonitoringLevel(location);
+        while (!above.empty() && !above.back().first.isAncestorOf(location))
+            above.pop_back();
+        FolderMonitoringLevel level = monitor.GetMonitoringLevel(location);
+        if (level == FolderMonitoringLevel::none && !above.empty())
+            level = above.back().second;
+        above.emplace_back(location, level);
         if (building.cache.SetLevel(*entry, level))
             building.observers.setObservationLevel(location, level);
         return false;

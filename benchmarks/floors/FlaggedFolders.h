@@ -4,6 +4,7 @@
 #include "path_interfaces/IPath.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace KxBenchmarks {
@@ -12,8 +13,8 @@ namespace KxBenchmarks {
 /// call for each.
 class FlaggedFolders {
 public:
-    explicit FlaggedFolders(const PathManagement::IPath& path) : path(path) {
-        path.ForEachEntry(PathManagement::SearchScope::All(), [this](const auto&) {
+    explicit FlaggedFolders(std::shared_ptr<const PathManagement::IPath> walked) : path(std::move(walked)) {
+        path->ForEachEntry(PathManagement::SearchScope::All(), [this](const auto&) {
             observers.push_back(std::make_unique<const Flag>());
             return false;
         });
@@ -23,11 +24,11 @@ public:
 
     [[nodiscard]] std::size_t CountChanged() const {
         std::size_t changed = 0;
-        path.ForEachEntry(PathManagement::SearchScope::All(),
-                          [&changed, next = observers.begin()](const auto&) mutable {
-                              changed += (*next++)->hasChanged() ? 1 : 0;
-                              return false;
-                          });
+        path->ForEachEntry(PathManagement::SearchScope::All(),
+                           [&changed, next = observers.begin()](const auto&) mutable {
+                               changed += (*next++)->hasChanged() ? 1 : 0;
+                               return false;
+                           });
         return changed;
     }
 
@@ -38,7 +39,7 @@ private:
         bool isSet = false;
     };
 
-    const PathManagement::IPath& path;
+    const std::shared_ptr<const PathManagement::IPath> path;
     std::vector<std::unique_ptr<const Tolvex::IFileFolderObserver>> observers;
 };
 

@@ -24,13 +24,20 @@ std::shared_ptr<const IPath> HostSession::CreatePath(PathEntryVector&& entries,
     return GetCurrentPathFactory().CreatePath(std::make_shared<const PathEntryVector>(std::move(entries)), previous);
 }
 
-std::vector<Tolvex::AbsoluteIRI> ReadFolders(const std::string& file) {
-    std::ifstream lines(file);
-    std::vector<Tolvex::AbsoluteIRI> folders;
-    for (std::string line; std::getline(lines, line);)
-        folders.push_back(GetIRIFromString(Tolvex::FromUtf8(line)));
-    if (folders.empty())
+std::vector<std::string> ReadLines(const std::string& file) {
+    std::ifstream stream(file);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    if (lines.empty())
         throw std::runtime_error("no folders in " + file);
+    return lines;
+}
+
+std::vector<Tolvex::AbsoluteIRI> ReadFolders(const std::string& file) {
+    std::vector<Tolvex::AbsoluteIRI> folders;
+    for (const std::string& line : ReadLines(file))
+        folders.push_back(GetIRIFromString(Tolvex::FromUtf8(line)));
     return folders;
 }
 

@@ -41,7 +41,8 @@ private:
     PathManagement::UniformFolderMonitor monitor;
 };
 
-/// Reads absolute folders, one a line. Throws std::runtime_error when there is none.
+/// Both read absolute folders, one a line. Throw std::runtime_error when there is none.
+[[nodiscard]] std::vector<std::string> ReadLines(const std::string& file);
 [[nodiscard]] std::vector<Tolvex::AbsoluteIRI> ReadFolders(const std::string& file);
 
 } // namespace KxBenchmarks

@@ -1,28 +1,22 @@
 #pragma once
 
-#include "path_interfaces/IPath.h"
-#include "path_interfaces/IPathEntryFactory.h"
+#include "path_interfaces/IFolderMonitor.h"
+#include "programs/ManagerSession.h"
 
 namespace KxBenchmarks {
 
-/// What it costs to learn that nothing on a path has changed.
+/// What it costs a host to learn that nothing on its path has changed.
 class RefreshTrial {
 public:
-    /// `path` holds entries of `factory`.
-    RefreshTrial(const PathManagement::IPathEntryFactory& factory, const PathManagement::IPath& path);
+    /// Looks once, so that what is watched is watched from then on. Throws std::runtime_error when an entry that was
+    /// set is not at `level`: something else would be measured.
+    RefreshTrial(const ManagerSession& session, PathManagement::FolderMonitoringLevel level);
 
-    /// Throws std::runtime_error when the factory cannot tell of changes without a look at the folders.
-    void DemandThatNobodyIsAsked() const;
-
-    /// In milliseconds. Throws std::runtime_error when something has changed after all.
+    /// In milliseconds. Throws std::runtime_error when the refresh made a new path.
     [[nodiscard]] double Measure();
 
 private:
-    [[nodiscard]] bool IsUnchanged();
-
-    const PathManagement::IPathEntryFactory& factory;
-    const PathManagement::IPath& path;
-    Tolvex::ChangeToken seen;
+    PathManagement::IMainSearchPathManager& manager;
 };
 
 } // namespace KxBenchmarks

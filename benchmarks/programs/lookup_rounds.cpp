@@ -1,11 +1,11 @@
-// Builds a path and what it is compared with once, then measures a round for every number read from standard input.
-// Results are JSON lines; a line "done" follows each round, and the checked answers before the first.
+// Sets a manager's path and makes what it is compared with once, then measures a round for every number read from
+// standard input. Results are JSON lines; a line "done" follows each round, and the checked answers before the first.
 #include "programs/ChangeTrial.h"
 #include "programs/HostSession.h"
 #include "programs/LookupTrial.h"
+#include "programs/ManagerSession.h"
 #include "programs/Measurements.h"
 
-#include "path_utilities/DeduplicatedPath.h"
 #include "path_utilities/PathText.h"
 
 #include <CLI/CLI.hpp>
@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 
 namespace {
 
@@ -35,18 +36,15 @@ constexpr std::size_t hotRepeats = 50'000;
 class Trial {
 public:
     explicit Trial(const Arguments& arguments)
-        : path(HostSession::CreatePath(session.CreateEntries(ReadFolders(arguments.pathFile)))), catalogue(*path),
-          spareEntry(session.CreateEntries({GetIRIFromString(Tolvex::FromUtf8(arguments.spareFolder))}).front()),
-          spareName(arguments.spareName), hits(arguments.queries + "/hits.txt", arguments.tree),
+        : path(SetPath(session, arguments)), wholePath(session.GetManager().GetPath()), catalogue(*path),
+          spareEntry(FindSpareEntry()), spareName(arguments.spareName),
+          hits(arguments.queries + "/hits.txt", arguments.tree),
           absent(arguments.queries + "/absent.txt", arguments.tree),
           front(arguments.queries + "/front.txt", arguments.tree),
           back(arguments.queries + "/back.txt", arguments.tree) {
-        contenders = {MakeFlatMapContender(catalogue), MakeFlatTableContender(catalogue),
-                      MakePathContender("path", *path), MakeAccessorContender(catalogue),
-                      MakeEqualRangeContender(catalogue)};
-        view = std::make_shared<const DeduplicatedPath>(
-            std::vector<std::shared_ptr<const IPath>>{HostSession::CreatePath({spareEntry}), path});
-        contenders.push_back(MakePathContender("view", *view));
+        contenders = {MakeFlatMapContender(catalogue),    MakeFlatTableContender(catalogue),
+                      MakePathContender("path", *path),   MakeAccessorContender(catalogue),
+                      MakeEqualRangeContender(catalogue), MakePathContender("manager", *wholePath)};
     }
 
     /// Every contender, every question; throws at the first wrong answer. Returns how many were asked.
@@ -79,8 +77,23 @@ private:
             Report(row, contender.name, contender.measure(task));
     }
 
-    HostSession session;
+    /// The path of what was set; the spare folder is made the working folder.
+    static std::shared_ptr<const IPath> SetPath(ManagerSession& session, const Arguments& arguments) {
+        session.EnterFolder(GetIRIFromString(Tolvex::FromUtf8(arguments.spareFolder)));
+        session.SetFolders(ReadFolders(arguments.pathFile));
+        return session.GetStoredPath();
+    }
+
+    [[nodiscard]] std::shared_ptr<const IPathEntry> FindSpareEntry() const {
+        auto inFront = wholePath->GetMainEntries()->front();
+        if (path->IsEntryOnPath(*inFront))
+            throw std::runtime_error("the spare folder is on the path");
+        return inFront;
+    }
+
+    ManagerSession session;
     std::shared_ptr<const IPath> path;
+    std::shared_ptr<const IPath> wholePath; // the working folder in front
     NameCatalogue catalogue;
     std::shared_ptr<const IPathEntry> spareEntry;
     std::string spareName;
@@ -88,7 +101,6 @@ private:
     Questions absent;
     Questions front;
     Questions back;
-    std::shared_ptr<const IPath> view;
     std::vector<LookupContender> contenders;
 };
 

@@ -1,16 +1,14 @@
-// Builds a path once, then measures for every number read from standard input what a refresh costs that finds nothing
-// changed, beside its floor. Results are JSON lines; a line "done" follows each round.
+// Sets a manager's path once, then measures for every number read from standard input what a refresh costs that finds
+// nothing changed, beside its floor. Results are JSON lines; a line "done" follows each round.
 #include "floors/FlaggedFolders.h"
 #include "floors/linux/FolderStamps.h"
 #include "programs/HostSession.h"
 #include "programs/Measurements.h"
 #include "programs/RefreshTrial.h"
-#include "search_path/Accessors.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
-#include <fstream>
 #include <stdexcept>
 
 namespace {
@@ -25,14 +23,6 @@ struct Arguments {
 };
 
 constexpr std::size_t repeats = 5;
-
-std::vector<std::string> ReadLines(const std::string& file) {
-    std::ifstream stream(file);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
 
 template <class Floor>
 double MeasureFloor(const Floor& floor) {
@@ -53,19 +43,17 @@ void Serve(const char* row, const char* floorName, const Floor& floor, RefreshTr
 
 void Run(const Arguments& arguments) {
     using enum FolderMonitoringLevel;
-    const HostSession session(arguments.isWatched ? notification : timeCheck);
-    const auto path = HostSession::CreatePath(session.CreateEntries(ReadFolders(arguments.pathFile)));
-    RefreshTrial trial(GetPathEntryFactory(), *path);
+    ManagerSession session;
+    session.SetFolders(ReadFolders(arguments.pathFile));
+    RefreshTrial trial(session, arguments.isWatched ? notification : timeCheck);
     auto folders = ReadLines(arguments.allFoldersFile);
-    const FlaggedFolders flags(*path);
+    const FlaggedFolders flags(session.GetStoredPath());
     if (folders.size() != flags.GetCount())
         throw std::runtime_error("the path has not as many entries as there are folders");
-    if (arguments.isWatched) {
-        trial.DemandThatNobodyIsAsked();
+    if (arguments.isWatched)
         Serve("d1", "flags", flags, trial);
-    } else {
+    else
         Serve("d2", "statx", FolderStamps(std::move(folders)), trial);
-    }
 }
 
 } // namespace
@@ -73,7 +61,7 @@ void Run(const Arguments& arguments) {
 int main(int count, char** texts) {
     CLI::App app("Measures refreshes without a change, a round for every number read from standard input");
     Arguments arguments;
-    app.add_flag("--watched", arguments.isWatched, "Let the kernel watch the folders; else they are looked at");
+    app.add_flag("--watched", arguments.isWatched, "The kernel watches the folders; else they are to be looked at");
     app.add_option("pathfile", arguments.pathFile, "Absolute folders, one a line")->required();
     app.add_option("allfolders", arguments.allFoldersFile, "These and their special child folders, absolute")
         ->required();

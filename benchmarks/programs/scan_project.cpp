@@ -4,8 +4,8 @@
 #include "path_utilities/PathText.h"
 #include "path_utilities/ToolboxCacheFile.h"
 #include "programs/HostSession.h"
+#include "programs/ManagerSession.h"
 #include "programs/Measurements.h"
-#include "programs/RefreshTrial.h"
 #include "programs/ResidentMemory.h"
 #include "search_path/Accessors.h"
 
@@ -23,6 +23,7 @@ using namespace PathManagement;
 
 struct Arguments {
     unsigned threads = 1;
+    bool throughManager = false;
     std::string cacheFile;
     std::string cacheRoot;
     std::string pathFile;
@@ -51,13 +52,30 @@ void ReportDrop(std::shared_ptr<const IPath>& path) {
     Report("g1", "project", MeasureMilliseconds([&path] { path.reset(); }));
 }
 
+void SayReady(const IPath& path, const Arguments& arguments) {
+    DemandRightAnswers(path, arguments);
+    fmt::print("ready\n");
+    std::fflush(stdout);
+}
+
 std::shared_ptr<const IPath> CreateAnsweringPath(const std::vector<Tolvex::AbsoluteIRI>& folders,
                                                  const Arguments& arguments) {
     auto path = HostSession::CreatePath(HostSession().CreateEntries(folders));
-    DemandRightAnswers(*path, arguments);
-    fmt::print("ready\n");
-    std::fflush(stdout);
+    SayReady(*path, arguments);
     return path;
+}
+
+/// With the working folder in front, and what is watched to be watched from the first refresh on.
+void ScanThroughManager(const Arguments& arguments) {
+    ManagerSession session;
+    session.SetFolders(ReadFolders(arguments.pathFile));
+    SayReady(*session.GetManager().GetPath(), arguments);
+}
+
+/// The first round of a refresh finds out whether the cache file still speaks for the folders.
+void LookAtEveryFolder() {
+    if (!GetPathEntryFactory().GetChangesSince({}).changed.empty())
+        throw std::runtime_error("a folder has changed since the cache file was written");
 }
 
 void StartFromCacheFile(const Arguments& arguments) {
@@ -66,8 +84,7 @@ void StartFromCacheFile(const Arguments& arguments) {
     const auto path = CreateAnsweringPath(ReadFolders(arguments.pathFile), arguments);
     if (GetPathEntryFactory().GetCounters().foldersListed != 0)
         throw std::runtime_error("a folder was listed although there is a cache file");
-    // The first round of a refresh finds out whether the cache file still speaks for the folders.
-    Report("c2", "first look", RefreshTrial(GetPathEntryFactory(), *path).Measure());
+    Report("c2", "first look", MeasureMilliseconds(LookAtEveryFolder));
 }
 
 void Scan(const Arguments& arguments) {
@@ -84,7 +101,9 @@ void Scan(const Arguments& arguments) {
 
 void Run(const Arguments& arguments) {
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, arguments.threads);
-    if (arguments.cacheFile.empty())
+    if (arguments.throughManager)
+        ScanThroughManager(arguments);
+    else if (arguments.cacheFile.empty())
         Scan(arguments);
     else
         StartFromCacheFile(arguments);
@@ -98,6 +117,7 @@ int main(int count, char** texts) {
     app.add_option("--threads", arguments.threads, "How many threads may scan and index")->check(CLI::PositiveNumber);
     auto* const cache = app.add_option("--cache", arguments.cacheFile, "Start from this path cache file");
     cache->needs(app.add_option("--root", arguments.cacheRoot, "The folder that the cache file speaks for"));
+    app.add_flag("--manager", arguments.throughManager, "Ask the path of a search path manager")->excludes(cache);
     app.add_option("pathfile", arguments.pathFile, "Absolute folders, one a line")->required();
     app.add_option("questions", arguments.questions, "NAME FILE pairs: a name and the file that answers")->required();
     CLI11_PARSE(app, count, texts);

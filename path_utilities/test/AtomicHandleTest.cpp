@@ -48,7 +48,7 @@ TEST(AtomicHandle, HoldsOneHandleAndGivesBackTheOneBefore) {
 TEST(AtomicHandle, ReadersAndWritersNeverMeetADeadObject) {
     constexpr int writers = 2;
     constexpr int readers = 4;
-    constexpr std::uint64_t rounds = 5000;
+    constexpr std::uint64_t rounds = 20000;
     std::atomic<int> wrong = 0;
     {
         AtomicHandle<const Counted> handle(std::make_shared<const Counted>(0));

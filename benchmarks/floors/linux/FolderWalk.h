@@ -13,11 +13,11 @@
 
 namespace KxBenchmarks {
 
-/// The least that knowing a tree costs: each folder is opened relative to its parent and listed by the bare system
-/// call; kinds come with the listing, links are not followed. Calls `onFile` with the name of every file, a view that
-/// is valid during the call, and keeps nothing. Returns false when a folder cannot be read.
-template <class OnFile>
-bool WalkFolder(int parent, const char* name, const OnFile& onFile) {
+/// Lists one folder by the bare system call: calls `onFile` with the name of every file, a view that is valid during
+/// the call, and `onFolder` with every child folder's. Kinds come with the listing, links are not followed. Returns
+/// false when the folder cannot be read.
+template <class OnFile, class OnFolder>
+bool ListFolder(int parent, const char* name, const OnFile& onFile, const OnFolder& onFolder) {
     struct Record { // linux_dirent64, whose name follows
         std::uint64_t inode;
         std::int64_t offset;
@@ -30,7 +30,6 @@ bool WalkFolder(int parent, const char* name, const OnFile& onFile) {
     if (folder < 0)
         return false;
     alignas(Record) std::array<char, 32768> buffer;
-    bool isWhole = true;
     long size = 0;
     while ((size = syscall(SYS_getdents64, folder, buffer.data(), buffer.size())) > 0) {
         for (const char* at = buffer.data(); at < buffer.data() + size;) {
@@ -41,11 +40,22 @@ bool WalkFolder(int parent, const char* name, const OnFile& onFile) {
             if (record.kind == DT_REG)
                 onFile(std::string_view(child));
             else if (record.kind == DT_DIR && std::strcmp(child, ".") != 0 && std::strcmp(child, "..") != 0)
-                isWhole = WalkFolder(folder, child, onFile) && isWhole;
+                onFolder(folder, child);
         }
     }
     close(folder);
-    return isWhole && size == 0;
+    return size == 0;
+}
+
+/// The least that knowing a tree costs: each folder is opened relative to its parent and listed; nothing is kept.
+/// Returns false when a folder cannot be read.
+template <class OnFile>
+bool WalkFolder(int parent, const char* name, const OnFile& onFile) {
+    bool isWhole = true;
+    const bool isListed = ListFolder(parent, name, onFile, [&](int folder, const char* child) {
+        isWhole = WalkFolder(folder, child, onFile) && isWhole;
+    });
+    return isListed && isWhole;
 }
 
 template <class OnFile>

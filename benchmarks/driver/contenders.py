@@ -2,6 +2,7 @@
 
 import dataclasses
 import json
+import os
 import pathlib
 import shutil
 import subprocess
@@ -26,11 +27,12 @@ class Program:
     contender: str
     command: tuple
     says_ready: bool = True
+    working_folder: pathlib.Path | None = None
 
     def measure(self):
         start = time.perf_counter()
         output = subprocess.PIPE if self.says_ready else subprocess.DEVNULL
-        with subprocess.Popen(self.command, stdout=output, text=True) as process:
+        with subprocess.Popen(self.command, stdout=output, text=True, cwd=self.working_folder) as process:
             said = process.stdout.readline() if self.says_ready else "ready"
             if not self.says_ready:
                 process.wait()
@@ -52,6 +54,8 @@ class Starts:
         built = [Program("a1", "walk", (programs / "scan_floor", tree.path_file)),
                  Program("a1", "project", self.start_command(programs, 1)),
                  Program("a2", "project", self.start_command(programs, 2)),
+                 *(Program(f"a{n}", "manager", self.start_command(programs, n, "--manager"),
+                           working_folder=tree.spare_folder) for n in (1, 2)),
                  Program("c2", "read", (programs / "read_floor", tree.cache_file)),
                  Program("c2", "1 thread", self.start_command(programs, 1, *from_cache)),
                  Program("c2", "2 threads", self.start_command(programs, 2, *from_cache))]
@@ -107,11 +111,12 @@ class PlainDrops:
 
 
 class Rounds:
-    """One process that lives through all rounds."""
+    """One process that lives through all rounds; `variables` are added to its environment."""
 
-    def __init__(self, *command):
-        self.program = command[0].name
-        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    def __init__(self, *command, working_folder=None, variables=None):
+        self.program = pathlib.Path(command[0]).name
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                                        cwd=working_folder, env={**os.environ, **(variables or {})})
 
     def read_line(self):
         line = self.process.stdout.readline()
@@ -151,20 +156,84 @@ class CacheReadings(Rounds):
 
 
 class Refreshes(Rounds):
-    """Row d2."""
+    """Row d2: what lies below the installation folder is not watched but looked at."""
 
     rows = ("d2",)
-    options = ()
 
     def __init__(self, tree, programs, _rows):
-        super().__init__(programs / "refresh_rounds", *self.options, tree.path_file, tree.all_folders_file)
+        super().__init__(programs / "refresh_rounds", tree.path_file, tree.all_folders_file,
+                         working_folder=tree.spare_folder, variables={"TOLVEX_ROOT": str(tree.root)})
 
 
-class WatchedRefreshes(Refreshes):
+class WatchedRefreshes(Rounds):
     """Row d1."""
 
     rows = ("d1",)
-    options = ("--watched",)
+
+    def __init__(self, tree, programs, _rows):
+        super().__init__(programs / "refresh_rounds", "--watched", tree.path_file, tree.all_folders_file,
+                         working_folder=tree.spare_folder)
 
 
-MEASURERS = (Starts, PlainDrops, Lookups, CacheReadings, WatchedRefreshes, Refreshes)
+class Changes(Rounds):
+    """Rows e. A change of a folder would disturb those who measure that nothing has changed."""
+
+    rows = ("e1", "e2")
+    disturbs = True
+    answers = 0
+
+    def __init__(self, tree, programs, _rows):
+        super().__init__(programs / "change_rounds", tree.root, tree.path_file, tree.all_folders_file, tree.queries,
+                         working_folder=tree.spare_folder)
+
+    def measure(self, round_number):
+        for row, contender, value in super().measure(round_number):
+            if row == "answers":
+                self.answers += int(value)
+                continue
+            yield row, contender, value
+            yield "e2", contender, value  # for the growth from tree to tree
+
+
+class ImportlibChanges(Rounds):
+    """A rival of e1."""
+
+    rows = ("e1",)
+    disturbs = True
+    program_name, contender = "/usr/bin/python3", "importlib"
+
+    def __init__(self, tree, _programs, _rows):
+        super().__init__("/usr/bin/python3", "-I", HERE / "change_rival.py", self.contender, tree.path_file, tree.root)
+
+    @classmethod
+    def is_here(cls):
+        return shutil.which(cls.program_name) is not None
+
+
+class WatchmanChanges(ImportlibChanges):
+    """A rival of e1."""
+
+    program_name = contender = "watchman"
+
+
+class ManagerOperations:
+    """What a manager's operations cost on paths of different lengths; of no tree."""
+
+    rows = ("m1",)
+
+    def __init__(self, programs):
+        self.command = (programs / "micro", "--benchmark_filter=^ManagerBenchmark/", "--benchmark_format=json",
+                        "--benchmark_min_time=0.05")
+
+    def measure(self):
+        """(folders, operation, microseconds) of all operations."""
+        done = subprocess.run(self.command, check=True, capture_output=True, text=True)
+        for run in json.loads(done.stdout)["benchmarks"]:
+            _, operation, folders, *_ = run["name"].split("/")
+            if run.get("error_occurred") or run["time_unit"] != "us":
+                raise RuntimeError(f"{run['name']}: {run.get('error_message', 'not in microseconds')}")
+            yield int(folders), operation, run["real_time"]
+
+
+MEASURERS = (Starts, PlainDrops, Lookups, CacheReadings, WatchedRefreshes, Refreshes, Changes, ImportlibChanges,
+             WatchmanChanges)

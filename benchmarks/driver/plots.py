@@ -8,10 +8,12 @@ LEFT, RIGHT, TOP, BOTTOM = 70, 540, 50, 370
 LABEL_GAP = 16
 COLOURS = {"project": ("#0b6e4f", "#1f9d76", "#74b72e"),
            "floor": ("#333333", "#777777"),
-           "rival": ("#b5442c", "#c77d1e", "#8a4fa3", "#3f6fb5", "#a8324f")}
+           "rival": ("#b5442c", "#c77d1e", "#8a4fa3", "#3f6fb5", "#a8324f"),
+           "operation": ("#0b6e4f", "#74b72e", "#333333", "#b5442c", "#c77d1e", "#8a4fa3", "#3f6fb5")}
 STROKES = {"project": 'stroke-width="3"',
            "floor": 'stroke-width="2" stroke-dasharray="6 4"',
-           "rival": 'stroke-width="1.5"'}
+           "rival": 'stroke-width="1.5"',
+           "operation": 'stroke-width="2"'}
 
 
 class LogScale:
@@ -45,7 +47,7 @@ def axes(plot, xs, ys):
     for value in xs.decades():
         yield line(xs(value), TOP, xs(value), BOTTOM)
         yield text(xs(value), BOTTOM + 18, number(value), 'text-anchor="middle"')
-    yield text((LEFT + RIGHT) / 2, BOTTOM + 38, "files", 'text-anchor="middle"')
+    yield text((LEFT + RIGHT) / 2, BOTTOM + 38, plot.across, 'text-anchor="middle"')
     for value in ys.decades():
         yield line(LEFT, ys(value), RIGHT, ys(value))
         yield text(LEFT - 8, ys(value) + 4, number(value), 'text-anchor="end"')

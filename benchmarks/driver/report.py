@@ -3,7 +3,7 @@
 import math
 
 import plots
-from rows import PLOTS, ROWS
+from rows import MANAGER_FOLDERS, MANAGER_OPERATIONS, MANAGER_PLOT, PLOTS, ROWS
 
 START, END = "<!-- figures -->", "<!-- end of figures -->"
 
@@ -46,12 +46,13 @@ def ratios_of(contenders, results, size, row):
 
 
 def table_line(results, size, row):
-    own = results.absolute(size, row.id, row.contender)
-    ratio = results.ratio(size, row.id, row.contender, row.floor)
+    floor_size, own_size = row.growth or (size, size)
+    own = results.absolute(size, row.id, row.contender) if own_size == size else None
+    ratio = results.ratio(size, row.id, row.contender, row.floor, floor_size)
     if own is None or (row.floor and ratio is None):
         return None
     best = ratios_of(row.rivals, results, size, row)[:1]
-    cells = [row.id, row.operation, absolute(results, size, row.floor, row.unit), f"{rounded(own.median)} {row.unit}",
+    cells = [row.id, row.operation, absolute(results, floor_size, row.floor, row.unit), f"{rounded(own.median)} {row.unit}",
              times(ratio), limit(row, row.goal), limit(row, row.stretch),
              f"{best[0][1]} {rounded(best[0][0])}" if best else "-",
              verdict(row, ratio.median if ratio else own.median)]
@@ -69,7 +70,7 @@ def rivals_table(results, size):
     yield "|---|---|---|---|---|"
     for row in ROWS:
         own = results.ratio(size, row.id, row.contender, row.floor)
-        if own is None or row.contender == "view":  # the path's line has the same rivals
+        if own is None or row.contender == "manager":  # the path's line has the same rivals
             continue
         for _, rival in ratios_of(row.rivals + row.beside, results, size, row):
             yield (f"| {row.id} | {rival} | {absolute(results, size, (row.id, rival), row.unit)} | "
@@ -80,6 +81,8 @@ def sizes_table(results, sizes):
     yield "| row | operation | " + " | ".join(sizes) + " |"
     yield "|---|---|" + "---|" * len(sizes)
     for row in ROWS:
+        if row.growth:
+            continue
         cells = []
         for size in sizes:
             ratio = results.ratio(size, row.id, row.contender, row.floor)
@@ -89,25 +92,33 @@ def sizes_table(results, sizes):
             yield f"| {row.id} | {row.operation} | " + " | ".join(cells) + " |"
 
 
-def draw_plots(results, files_by_size, folder):
-    """Names of the plots that were drawn; a plot needs two sizes."""
-    drawn = []
-    for plot in PLOTS:
-        curves = []
-        for series in plot.series:
-            points = [(files, results.absolute(size, series.row, series.contender))
-                      for size, files in files_by_size.items()]
-            points = [(files, spread.median) for files, spread in points if spread]
-            if len(points) > 1:
-                curves.append((series, points))
-        if curves:
-            folder.mkdir(parents=True, exist_ok=True)
-            (folder / f"{plot.name}.svg").write_text(plots.draw(plot, curves), encoding="utf-8")
-            drawn.append(plot)
-    return drawn
+def manager_table(results):
+    """How the manager's operations grow; the last column compares the longest path with the one before it."""
+    shorter, longest = MANAGER_FOLDERS[-2:]
+    yield "| operation | " + " | ".join(f"{folders:,} folders" for folders in MANAGER_FOLDERS) + " | growth |"
+    yield "|---|" + "---|" * (len(MANAGER_FOLDERS) + 1)
+    for line in MANAGER_OPERATIONS:
+        cells = [absolute(results, folders, ("m1", line.benchmark), "µs") for folders in MANAGER_FOLDERS]
+        growth = results.ratio(longest, "m1", line.benchmark, ("m1", line.benchmark), shorter)
+        yield f"| {line.operation} | " + " | ".join(cells) + f" | {times(growth)} |"
 
 
-def figures(results, trees, run, drawn):
+def draw_plot(results, plot, across_by_size, folder):
+    """True when it was drawn; a plot needs two sizes."""
+    curves = []
+    for series in plot.series:
+        points = [(across, results.absolute(size, series.row, series.contender))
+                  for size, across in across_by_size.items()]
+        points = [(across, spread.median) for across, spread in points if spread]
+        if len(points) > 1:
+            curves.append((series, points))
+    if curves:
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / f"{plot.name}.svg").write_text(plots.draw(plot, curves), encoding="utf-8")
+    return bool(curves)
+
+
+def figures(results, of_manager, trees, run, drawn):
     """The generated part, line by line."""
     sizes = [tree.size for tree in trees]
     largest = trees[-1]
@@ -137,14 +148,25 @@ def figures(results, trees, run, drawn):
         yield "The project's time or memory, and its ratio to the floor."
         yield ""
         yield from sizes_table(results, sizes)
+    if of_manager.sizes():
+        yield ""
+        yield "### A manager's operations against the length of the path"
+        yield ""
+        yield ("Folders of five files each, in memory and watched; the medians, and how many times as long the longest "
+               "path takes as the one before it.")
+        yield ""
+        yield from manager_table(of_manager)
     for plot in drawn:
         yield ""
         yield f"![{plot.title}](performance/{plot.name}.svg)"
 
 
-def write(results, trees, run, folder):
+def write(results, of_manager, trees, run, folder):
     """Replaces what stands between the marks of performance.md in `folder`, or writes a page of nothing else."""
-    drawn = draw_plots(results, {tree.size: tree.facts["files"] for tree in trees}, folder / "performance")
+    files_by_size = {tree.size: tree.facts["files"] for tree in trees}
+    drawn = [plot for plot in PLOTS if draw_plot(results, plot, files_by_size, folder / "performance")]
+    lengths = {length: length for length in MANAGER_FOLDERS}
+    drawn += [MANAGER_PLOT] if draw_plot(of_manager, MANAGER_PLOT, lengths, folder / "performance") else []
     page = folder / "performance.md"
     folder.mkdir(parents=True, exist_ok=True)
     old = page.read_text(encoding="utf-8") if page.exists() else f"# Figures\n\n{START}\n{END}\n"
@@ -152,6 +174,6 @@ def write(results, trees, run, folder):
     _, ended, after = rest.partition(END)
     if not found or not ended:
         raise RuntimeError(f"{page} has no place for figures: {START} ... {END}")
-    generated = "\n".join(figures(results, trees, run, drawn))
+    generated = "\n".join(figures(results, of_manager, trees, run, drawn))
     page.write_text(f"{before}{START}\n\n{generated}\n\n{END}{after}", encoding="utf-8")
     return page

@@ -28,9 +28,9 @@ class Results:
     def absolute(self, size, row, contender):
         return spread(list(self.values.get((size, row, contender), {}).values()))
 
-    def ratio(self, size, row, contender, floor):
+    def ratio(self, size, row, contender, floor, floor_size=None):
         """The spread of the ratios taken inside each round; None without a floor or a measurement."""
-        below = self.values.get((size, *floor), {}) if floor else {}
+        below = self.values.get((floor_size or size, *floor), {}) if floor else {}
         above = self.values.get((size, row, contender), {})
         return spread([value / below[r] for r, value in above.items() if r in below])
 

@@ -11,6 +11,8 @@
 
 namespace TolvexPath {
 
+using PathManagement::PathEntryVector;
+
 void CacheArguments::DeclareOptions(CLI::App& arguments) {
     CLI::Option* const cache =
         arguments.add_option("--cache", file, "Take folders from a path cache file instead of listing them")
@@ -20,6 +22,9 @@ void CacheArguments::DeclareOptions(CLI::App& arguments) {
             ->type_name("FOLDER")
             ->needs(cache);
     cache->needs(cacheRoot);
+    arguments
+        .add_flag("--trust-cache", isTrusted, "Do not look whether folders changed since the cache file was written")
+        ->needs(cache);
 }
 
 void CacheArguments::Load() const {
@@ -30,6 +35,22 @@ void CacheArguments::Load() const {
     } catch (const Tolvex::Exception& refusal) {
         PrintMessage(fmt::format("the cache is not used, the folders are read instead: {}", refusal.what()));
     }
+}
+
+PathEntryVector CacheArguments::CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& locations) const {
+    Load();
+    PathEntryVector entries = TolvexPath::CreateEntries(locations);
+    if (!file || isTrusted)
+        return entries;
+    std::vector<Tolvex::AbsoluteIRI> changed;
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (entries[i] != nullptr && entries[i]->IsOutOfDate())
+            changed.push_back(locations[i]);
+    PathEntryVector updated = TolvexPath::CreateEntries(changed);
+    for (auto next = updated.begin(); auto& entry : entries)
+        if (entry != nullptr && entry->IsOutOfDate())
+            entry = std::move(*next++);
+    return entries;
 }
 
 } // namespace TolvexPath

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "path_interfaces/IPathEntry.h"
+
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -12,16 +15,22 @@ namespace TolvexPath {
 /// The path cache file that a command line names, for commands that can do without listing folders.
 class CacheArguments {
 public:
-    /// Declares --cache and --root, which fill this object; it has to stay where it is.
+    /// Declares --cache, --root and --trust-cache, which fill this object; it has to stay where it is.
     void DeclareOptions(CLI::App& arguments);
 
     /// Loads the file, if one is named, into the process's factory. One that cannot be used is reported once, and the
     /// folders are read instead.
     void Load() const;
 
+    /// Loads the file and has the entries of all locations made, as TolvexPath::CreateEntries does. Folders that
+    /// changed since the file was written are listed, unless the file is to be trusted.
+    [[nodiscard]] PathManagement::PathEntryVector
+    CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& locations) const;
+
 private:
     std::optional<std::string> file;
     std::string root;
+    bool isTrusted = false;
 };
 
 } // namespace TolvexPath

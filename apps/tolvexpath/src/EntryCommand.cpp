@@ -69,8 +69,7 @@ void EntryCommand::DeclareArguments(CLI::App& arguments) {
 }
 
 ExitCode EntryCommand::Run() {
-    cache.Load();
-    PathEntryVector entries = CreateEntries(folders.GetLocations());
+    PathEntryVector entries = cache.CreateEntries(folders.GetLocations());
     const bool isComplete = std::erase(entries, nullptr) == 0;
     Output output;
     if (asJson)

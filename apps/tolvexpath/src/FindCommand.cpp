@@ -104,8 +104,7 @@ ExitCode FindCommand::Run() {
 
 Finder FindCommand::MakeFinder() const {
     SearchDefaults defaults = search.GetDefaults();
-    cache.Load();
-    auto entries = std::make_shared<PathEntryVector>(CreateEntries(folders.GetLocations()));
+    auto entries = std::make_shared<PathEntryVector>(cache.CreateEntries(folders.GetLocations()));
     std::erase(*entries, nullptr);
     return {PathManagement::GetCurrentPathFactory().CreatePath(std::move(entries), nullptr), std::move(defaults)};
 }

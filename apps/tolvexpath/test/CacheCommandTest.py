@@ -44,9 +44,21 @@ class CacheCommandTest(FolderTest):
             self.assertEqual(self.run_here(*arguments).out, self.run_here(*arguments, *cache).out)
         self.assertEqual(self.run_here("entry", "--json", "lib", "other").json,
                          self.run_here("entry", "--json", "lib", "other", *cache).json)
-        # What the file says counts, not what the disk says now.
+
+    def test_folders_that_changed_since_are_listed_unless_the_file_is_trusted(self):
+        self.write()
+        cache = ["--cache", "cache", "--root", "."]
         os.rename(self.path("lib/a.kx"), self.path("lib/b.kx"))
-        self.assert_files(self.run_here("find", "a", *self.folders, *cache), "lib/a.kx")
+        self.make("lib/private/new.kx")
+        for name, file in [("a", None), ("b", "lib/b.kx"), ("new", "lib/private/new.kx"), ("o", "other/o.kx")]:
+            result = self.run_here("find", name, "--scope", "all", *self.folders, *cache)
+            self.assert_files(result, *([file] if file else []))
+        self.assert_files(self.run_here("find", "a", *self.folders, *cache, "--trust-cache"), "lib/a.kx")
+        os.rename(self.path("other"), self.path("away"))
+        result = self.run_here("entry", "lib", "other", *cache)
+        self.assertEqual(NOT_FOUND, result.code)
+        self.assertIn(os.fsdecode(self.path("other")), result.err)
+        self.assertEqual(FAILURE, self.run_here("find", "a", *self.folders, "--trust-cache").code)
 
     def test_a_file_that_cannot_be_used_costs_no_answer(self):
         self.write()
@@ -112,13 +124,13 @@ class CacheCommandTest(FolderTest):
         self.assertEqual(FOUND, self.write().code)
 
     @unittest.skipUnless(shutil.which("strace"), "strace is not installed")
-    def test_no_folder_is_listed_or_looked_at(self):
+    def test_no_folder_is_listed_or_looked_at_where_the_file_is_trusted(self):
         self.write()
         trace = ["strace", "-f", "-o", self.path("trace"), "-e", "trace=getdents64,openat2,statx"]
         if subprocess.run([*trace, "true"], check=False).returncode != 0:
             self.skipTest("nothing can be traced here")
         subprocess.run([*trace, program.PROGRAM, "find", "p", "--scope", "all", "-p", self.path("lib"), "-p", self.path("other"),
-                        "--cache", self.path("cache"), "--root", self.root], check=True, stdout=subprocess.DEVNULL,
+                        "--cache", self.path("cache"), "--root", self.root, "--trust-cache"], check=True, stdout=subprocess.DEVNULL,
                        env=program.environment(ASAN_OPTIONS="detect_leaks=0"))
         with open(self.path("trace"), "rb") as lines:
             calls = [line for line in lines if b"ENOENT" not in line and b"+++" not in line and b"---" not in line]

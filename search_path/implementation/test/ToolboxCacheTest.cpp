@@ -1,5 +1,6 @@
 #include "PathWorld.h"
 
+#include "foundation/observers/FileFolderChangedEvent.h"
 #include "foundation/storage/FileReplacement.h"
 #include "path_utilities/PathText.h"
 #include "path_utilities/ToolboxCacheFile.h"
@@ -152,6 +153,47 @@ TEST(ToolboxCache, AFolderThatChangedSinceIsOutOfDateAtTheFirstLook) {
         EXPECT_EQ(Draw(*updated), Draw(*fresh)) << folder;
     }
     EXPECT_NE(WriteCache(second, "/root").find("new.kx"), std::string::npos);
+}
+
+TEST(ToolboxCache, AnEntryIsTrustedUnseenTheFirstTimeOnly) {
+    const auto load = [](PathWorld& first) {
+        const auto kept = first.Entry("/root/m");
+        first.storage->GetClock().Advance(std::chrono::seconds(10));
+        auto second = std::make_unique<PathWorld>(first.storage);
+        LoadCache(*second, "/root", WriteCache(first, "/root"));
+        first.storage->GetClock().Advance(std::chrono::seconds(10));
+        return second;
+    };
+    const UniformFolderMonitor unwatched(FolderMonitoringLevel::none);
+    const auto at = PathWorld::At("/root/m");
+    PathWorld first({"/root/m/a.kx", "/root/m/+p/old.kx"});
+    const auto asked = load(first);
+    static_cast<void>(asked->factory.CreatePathEntry(at, unwatched));
+    asked->storage->Add("/root/m/b.kx");
+    EXPECT_EQ(Names(*asked->factory.CreatePathEntry(at, unwatched)->GetPathItems()), "a.kx b.kx");
+
+    const auto marked = load(first);
+    const auto local = Tolvex::createLocalEventMgr();
+    local->Publish(Tolvex::FileFolderChangedEvent(at));
+    local->Deliver();
+    const auto updated = marked->factory.CreatePathEntry(at, unwatched);
+    EXPECT_EQ(marked->factory.GetEntryState(*updated).source, PathEntrySource::disk) << "marked before its first use";
+}
+
+TEST(ToolboxCache, WhatLiesInAReplacedFolderIsListedAgain) {
+    PathWorld first({"/root/m/a.kx", "/root/m/+p/old.kx", "/root/m2/a.kx", "/root/m2/+p/older.kx"});
+    const auto kept = first.Entry("/root/m");
+    first.storage->GetClock().Advance(std::chrono::seconds(10));
+    const std::string text = WriteCache(first, "/root");
+    const Tolvex::FileTime written = first.storage->GetClock().Now();
+    first.storage->GetClock().Advance(std::chrono::seconds(10));
+    first.storage->Rename("/root/m", "/root/away");
+    first.storage->Rename("/root/m2", "/root/m");
+    PathWorld second(first.storage);
+    std::istringstream stream(text);
+    second.factory.LoadToolboxCache(stream, PathWorld::At("/root"), written);
+    const auto entry = second.Entry("/root/m")->GetUpdatedPathEntry(second.factory, second.monitor);
+    EXPECT_EQ(Names(*entry->GetPackageEntries()->front()->GetPathItems()), "older.kx");
 }
 
 TEST(ToolboxCache, WritingListsAgainWhatNobodyLooksAt) {

@@ -187,11 +187,12 @@ std::shared_ptr<const PathEntry> EntryBuilder::BuildChild(const Location& locati
 }
 
 /// Only an entry made under the same main folder has been checked for links that lead back up the same chain, and only
-/// one that is looked at can say that it is up to date.
+/// one that is looked at can say that it is up to date. One from a cache file knows a time only, which says nothing
+/// when an older folder has taken the place of the one above.
 std::shared_ptr<const PathEntry> EntryBuilder::FindReusableChild(const Location& location) const {
     const auto live = building.cache.Find(location);
     if (!live || !live->folderPresent || live->cutFromAbove || live->level == FolderMonitoringLevel::none ||
-        live->builtUnder != mainLocation || live->entry->IsOutOfDate())
+        live->source == PathEntrySource::cacheFile || live->builtUnder != mainLocation || live->entry->IsOutOfDate())
         return nullptr;
     ++building.entriesReused;
     return live->entry;

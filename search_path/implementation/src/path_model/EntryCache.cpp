@@ -70,6 +70,15 @@ bool EntryCache::SetLevel(const IPathEntry& entry, FolderMonitoringLevel level) 
     return !isNoted;
 }
 
+bool EntryCache::TakeFirstUse(const IPathEntry& entry) {
+    const Tolvex::CanonicalAbsoluteIRI location = entry.GetIRI();
+    const std::shared_lock lock(mutex);
+    for (Records* records : {&diskEntries, &cacheFileEntries})
+        if (const auto found = records->find(location); found != records->end() && found->second.identity == &entry)
+            return !std::atomic_ref(found->second.wasUsed).exchange(true);
+    return false;
+}
+
 void EntryCache::DropCacheFile() {
     Records dropped; // behind the lock
     const std::unique_lock lock(mutex);

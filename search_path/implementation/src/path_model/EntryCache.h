@@ -3,6 +3,7 @@
 #include "path_interfaces/IPathEntryFactory.h"
 #include "path_model/PathEntry.h"
 
+#include <atomic>
 #include <optional>
 #include <shared_mutex>
 #include <span>
@@ -47,6 +48,9 @@ public:
     /// False when that entry is kept and it was so already.
     bool SetLevel(const IPathEntry& entry, FolderMonitoringLevel level);
 
+    /// True once for an entry: the first time that this is asked of it.
+    [[nodiscard]] bool TakeFirstUse(const IPathEntry& entry);
+
     /// Forgets an entry that is being destroyed.
     void Remove(const Tolvex::CanonicalAbsoluteIRI& location, const IPathEntry& entry);
 
@@ -68,6 +72,7 @@ private:
         bool folderPresent;
         bool cutFromAbove;
         std::shared_ptr<const PathEntry> keeper; // null for all but the top entries of a cache file
+        alignas(std::atomic_ref<bool>::required_alignment) bool wasUsed = false; // also written under a shared lock
     };
     using Records = std::unordered_map<Tolvex::AbsoluteIRI, Record, Tolvex::IRIHash>;
 

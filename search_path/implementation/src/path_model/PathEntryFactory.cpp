@@ -103,8 +103,9 @@ std::shared_ptr<const PathEntry> PathEntryFactory::FindUpToDate(const AbsoluteIR
         return nullptr;
     const bool isWatched = live->level != FolderMonitoringLevel::none;
     // Nobody looks at the disk for an entry from a cache file until it was handed out.
-    const bool isFirstUse = live->source == PathEntrySource::cacheFile && !isWatched;
-    if (isWatched ? live->entry->IsOutOfDate() : !isFirstUse && IsOutOfDateAtOneLook(*live->entry))
+    const bool isKnown =
+        isWatched || (live->source == PathEntrySource::cacheFile && building.cache.TakeFirstUse(*live->entry));
+    if (isKnown ? live->entry->IsOutOfDate() : IsOutOfDateAtOneLook(*live->entry))
         return nullptr;
     if (!isWatched)
         UpdateObservation(*live->entry, monitor);

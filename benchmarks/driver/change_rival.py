@@ -52,7 +52,7 @@ class Watchman:
         self.answers = self.socket.makefile("r", encoding="utf-8")
         self.ask("watch", root)
         self.clock = self.ask("clock", root, {"sync_timeout": PATIENCE * 10_000})["clock"]
-        self.found = None
+        self.found = set()
 
     @staticmethod
     def connect(address):
@@ -80,8 +80,8 @@ class Watchman:
                                                "expression": ["name", STEM + EXTENSION]})
         self.clock = answer["clock"]
         for file in answer["files"]:
-            self.found = f"{self.root}/{file['name']}" if file["exists"] else None
-        return self.found
+            (self.found.add if file["exists"] else self.found.discard)(f"{self.root}/{file['name']}")
+        return next(iter(self.found), None)
 
     def close(self):
         self.socket.close()

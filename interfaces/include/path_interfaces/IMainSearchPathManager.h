@@ -39,7 +39,9 @@ public:
     [[nodiscard]] virtual std::shared_ptr<const IPath> GetSecondaryPath() const = 0;
 
     /// Reads anew what is out of date and installs the result; changes nothing when nothing is. Sees every change that
-    /// any process of this machine made before the call. Called while a change is announced it is made after that.
+    /// any process of this machine made before the call. A folder whose last change is as young as the disk's clock can
+    /// tell is read again to be sure, whether more has changed or not. Called while a change is announced it is made
+    /// after that.
     virtual void RefreshPath(RefreshType type) = 0;
 
     /// Sets the path. Entries that may not stand on it are left out and told in `problems`; of two entries of one
@@ -74,7 +76,7 @@ public:
     /// Says whether there is a current folder; does nothing when it is so already.
     virtual void SetCurrentFolderPolicy(CurrentFolderPolicy policy) = 0;
 
-    /// The folders that the user has set, in order; setting them again changes nothing. Never null.
+    /// The folders that the user has set, in order; setting them again leaves the path as it is. Never null.
     [[nodiscard]] virtual std::shared_ptr<const IRIs> GetPathIRIs() const = 0;
 
     [[nodiscard]] virtual std::shared_ptr<const PathMemento> CreateMemento() const = 0;

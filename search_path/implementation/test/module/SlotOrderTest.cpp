@@ -3,6 +3,8 @@
 
 #include "foundation/components/IModularPackageRegistry.h"
 #include "foundation/components/IPackageRegistrar.h"
+#include "foundation/observers/IFileFolderObserverFactory.h"
+#include "foundation/storage/StorageSystem.h"
 #include "path_interfaces/ICurrentFolderPathManager.h"
 #include "path_interfaces/IMainSearchPathManager.h"
 #include "path_interfaces/IPathEntryFactory.h"
@@ -135,7 +137,27 @@ Interface GetCurrentFolderPathManagerInterface() {
              At("RestoreMemento", &I::RestoreMemento)}};
 }
 
+Interface GetObserverFactoryInterface() {
+    using I = Tolvex::IFileFolderObserverFactory;
+    return {"IFileFolderObserverFactory",
+            {At("createObserver", &I::createObserver), At("setObservationLevel", &I::setObservationLevel),
+             At("lookAt", &I::lookAt), At("getChangesSince", &I::getChangesSince),
+             At("getRemotePathPolicy", &I::getRemotePathPolicy), At("setRemotePathPolicy", &I::setRemotePathPolicy),
+             At("getChangeHandleWarning", &I::getChangeHandleWarning),
+             At("setChangeHandleWarning", &I::setChangeHandleWarning),
+             At("takeChangeHandleWarning", &I::takeChangeHandleWarning)}};
+}
+
+Interface GetStorageSystemInterface() {
+    using I = Tolvex::StorageSystem;
+    return {"StorageSystem",
+            {At("getScheme", &I::getScheme), At("openFolder", &I::openFolder), At("takeChangeMark", &I::takeChangeMark),
+             At("takeChangeMarks", &I::takeChangeMarks), At("canonicalise", &I::canonicalise)}};
+}
+
 std::vector<Interface> GetInterfaces() {
+    using Tolvex::Folder;
+    using Tolvex::IFileFolderObserver;
     using TolvexComponents::IComponent;
     using TolvexComponents::IModularPackageRegistry;
     using TolvexPackages::IPackageRegistrar;
@@ -147,6 +169,15 @@ std::vector<Interface> GetInterfaces() {
         GetPathEntryFactoryInterface(),
         GetFolderMonitorInterface(),
         GetCurrentFolderPathManagerInterface(),
+        GetObserverFactoryInterface(),
+        GetStorageSystemInterface(),
+        {"IFileFolderObserver",
+         {At("hasChanged", &IFileFolderObserver::hasChanged),
+          At("observesChildFoldersToo", &IFileFolderObserver::observesChildFoldersToo)}},
+        {"Folder",
+         {At("getCanonicalLocation", &Folder::getCanonicalLocation),
+          At("getPathComparator", &Folder::getPathComparator), At("getChangeMark", &Folder::getChangeMark),
+          At("list", &Folder::list), At("openChild", &Folder::openChild)}},
         {"IPathFactory", {At("CreatePath", &IPathFactory::CreatePath)}},
         {"ICurrentFolderPathManagerFactory", {At("Create", &ICurrentFolderPathManagerFactory::Create)}},
         {"IModularPackageRegistry",

@@ -46,7 +46,7 @@ class Watchman:
         self.home = tempfile.TemporaryDirectory()
         home = pathlib.Path(self.home.name)
         self.service = subprocess.Popen(
-            ("watchman", "--foreground", "--no-save-state", "--sockname", home / "socket", "--statefile", home / "state",
+            ("watchman", "--foreground", "--no-save-state", "--sockname", home / "socket", "--pidfile", home / "pid",
              "--logfile", home / "log"), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.socket = self.connect(str(home / "socket"))
         self.answers = self.socket.makefile("r", encoding="utf-8")

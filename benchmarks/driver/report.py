@@ -52,8 +52,8 @@ def table_line(results, size, row):
     if own is None or (row.floor and ratio is None):
         return None
     best = ratios_of(row.rivals, results, size, row)[:1]
-    cells = [row.id, row.operation, absolute(results, floor_size, row.floor, row.unit), f"{rounded(own.median)} {row.unit}",
-             times(ratio), limit(row, row.goal), limit(row, row.stretch),
+    cells = [row.id, row.operation, absolute(results, floor_size, row.floor, row.unit),
+             f"{rounded(own.median)} {row.unit}", times(ratio), limit(row, row.goal), limit(row, row.stretch),
              f"{best[0][1]} {rounded(best[0][0])}" if best else "-",
              verdict(row, ratio.median if ratio else own.median)]
     return "| " + " | ".join(cells) + " |"

@@ -78,7 +78,8 @@ def measure(arguments, made):
     results = Results()
     wanted = {row.id for row in ROWS if row.id in arguments.rows}
     wanted |= {row.floor[0] for row in ROWS if row.id in wanted and row.floor}
-    kinds = [kind for kind in contenders.MEASURERS if set(kind.rows) & wanted and getattr(kind, "is_here", lambda: True)()]
+    kinds = [kind for kind in contenders.MEASURERS
+             if set(kind.rows) & wanted and getattr(kind, "is_here", lambda: True)()]
     answers = 0
     for disturbs in (False, True):
         answers += measure_in_turn([kind for kind in kinds if getattr(kind, "disturbs", False) == disturbs], made,

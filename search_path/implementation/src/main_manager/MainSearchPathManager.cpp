@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -42,28 +41,37 @@ public:
         : factory(factory), monitor(monitor) {}
 
     void Refresh(const std::shared_ptr<const IPathEntry>& entry) {
-        if (updates.contains(entry.get()) || !entry->IsOutOfDate())
+        if (!asked.insert(entry.get()).second || !entry->IsOutOfDate())
             return;
         if (auto updated = entry->GetUpdatedPathEntry(factory, monitor); updated != entry)
-            updates.emplace(entry.get(), std::move(updated));
+            updates.emplace_back(entry.get(), std::move(updated));
     }
 
-    /// `entries` with the new ones in place of the old; the same list when there are none.
+    [[nodiscard]] bool HasUpdates() const noexcept { return !updates.empty(); }
+
+    /// `entries` with the new ones in place of the old; the same list when there are none. Paths are long and changes
+    /// few: each entry is compared with few addresses, and none is hashed.
     [[nodiscard]] std::shared_ptr<const PathEntryVector>
-    Replace(const std::shared_ptr<const PathEntryVector>& entries) const {
+    Replace(const std::shared_ptr<const PathEntryVector>& entries) {
         if (updates.empty())
             return entries;
+        std::ranges::sort(updates, {}, &Update::first);
         PathEntryVector refreshed = *entries;
-        for (auto& entry : refreshed)
-            if (const auto update = updates.find(entry.get()); update != updates.end())
+        for (auto& entry : refreshed) {
+            const auto update = std::ranges::lower_bound(updates, entry.get(), {}, &Update::first);
+            if (update != updates.end() && update->first == entry.get())
                 entry = update->second;
+        }
         return std::make_shared<const PathEntryVector>(std::move(refreshed));
     }
 
 private:
+    using Update = std::pair<const IPathEntry*, std::shared_ptr<const IPathEntry>>; // what is replaced, and by what
+
     const IPathEntryFactory& factory;
     const IFolderMonitor& monitor;
-    std::unordered_map<const IPathEntry*, std::shared_ptr<const IPathEntry>> updates;
+    std::unordered_set<const IPathEntry*> asked;
+    std::vector<Update> updates;
 };
 
 /// Those of `entries` that are main entries of `storedPath`, as the same objects.
@@ -263,9 +271,8 @@ void MainSearchPathManager::Refresh(RefreshType type) {
         refresher.Refresh(entry);
     static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(RefreshType::knownChanges));
 
-    const auto oldEntries = installedPaths.Load()->storedPath->GetMainEntries();
-    const auto entries = refresher.Replace(oldEntries);
-    if (entries == oldEntries && IsCurrentFolderInFront())
+    const auto entries = refresher.Replace(installedPaths.Load()->storedPath->GetMainEntries());
+    if (!refresher.HasUpdates() && IsCurrentFolderInFront())
         return NoteRefreshed(report.now);
     PathChange change = Compose(entries);
     change.isRefresh = true;

@@ -81,7 +81,8 @@ PathChange ComposePaths(const InstalledPaths& installed, const std::shared_ptr<c
     ComposeViews(paths);
 
     PathEntryVectorDifferentiator& main = change.mainDifference;
-    main.Compare(*oldEntries, *storedEntries, ComparisonFilter::asListed);
+    if (storedEntries != oldEntries)
+        main.Compare(*oldEntries, *storedEntries, ComparisonFilter::asListed);
     if (!main.GetAdded()->empty() || !main.GetRemoved()->empty() || !main.GetReordered()->empty())
         paths.pathIRIs = GetLocations(*storedEntries);
     PathEntryVectorDifferentiator& front = change.currentFolderDifference;

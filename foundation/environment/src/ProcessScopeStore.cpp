@@ -1,66 +1,15 @@
 #include "foundation/environment/ProcessScopeStore.h"
 
-#include <algorithm>
-#include <mutex>
-#include <unordered_map>
+#include "ScopeContents.h"
+
 #include <utility>
-#include <vector>
 
 namespace Tolvex {
 
 namespace {
 
-/// All that the store knows. Never destroyed, so that asking is safe as long as there is a process.
-class Contents {
-public:
-    ProcessScopeStore::Identifier GetIdentifier(std::type_index type) {
-        const std::lock_guard lock(mutex);
-        return identifiers.try_emplace(type, identifiers.size()).first->second;
-    }
-
-    void* Get(ProcessScopeStore::Identifier identifier) {
-        const std::lock_guard lock(mutex);
-        return Find(identifier);
-    }
-
-    void* Put(ProcessScopeStore::Identifier identifier, std::shared_ptr<void> object) {
-        const std::lock_guard lock(mutex);
-        if (void* const known = Find(identifier); known != nullptr)
-            return known;
-        return objects.emplace_back(identifier, std::move(object)).second.get();
-    }
-
-    /// Destroys all objects, latest first; also those put in meanwhile. No lock is held while a destructor runs.
-    void DestroyObjects() {
-        while (const auto last = TakeLast()) {
-        }
-    }
-
-private:
-    using Entry = std::pair<ProcessScopeStore::Identifier, std::shared_ptr<void>>;
-
-    [[nodiscard]] void* Find(ProcessScopeStore::Identifier identifier) const {
-        const auto found = std::find_if(objects.begin(), objects.end(),
-                                        [identifier](const Entry& entry) { return entry.first == identifier; });
-        return found == objects.end() ? nullptr : found->second.get();
-    }
-
-    [[nodiscard]] std::shared_ptr<void> TakeLast() {
-        const std::lock_guard lock(mutex);
-        if (objects.empty())
-            return nullptr;
-        auto last = std::move(objects.back().second);
-        objects.pop_back();
-        return last;
-    }
-
-    std::mutex mutex;
-    std::unordered_map<std::type_index, ProcessScopeStore::Identifier> identifiers; // guarded by `mutex`
-    std::vector<Entry> objects;                                                     // guarded by `mutex`; a handful
-};
-
-Contents& GetContents() {
-    static Contents* const contents = std::make_unique<Contents>().release();
+ScopeContents& GetContents() {
+    static ScopeContents* const contents = std::make_unique<ScopeContents>().release(); // never destroyed
     return *contents;
 }
 

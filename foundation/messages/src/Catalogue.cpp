@@ -121,4 +121,8 @@ std::string GetMessageText(const MessageIdentifier& message) {
     return FillIn(text->english, message.arguments) + (surplus.empty() ? "" : " (" + surplus + ")");
 }
 
+ustring GetLocalizedText(const MessageIdentifier& message, const KxLocale& /*locale*/) {
+    return FromUtf8(GetMessageText(message));
+}
+
 } // namespace Tolvex

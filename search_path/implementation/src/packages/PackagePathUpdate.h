@@ -3,6 +3,8 @@
 #include "foundation/components/PackageRegistryChanges.h"
 #include "path_interfaces/IMainSearchPathManager.h"
 
+#include <boost/functional/hash.hpp>
+
 #include <deque>
 #include <functional>
 #include <list>

@@ -1,8 +1,10 @@
 #include "path_utilities/ToolboxCacheFile.h"
 
 #include "foundation/storage/FileReplacement.h"
+#include "foundation/storage/StorageSystem.h"
 #include "path_utilities/ToolboxCacheReader.h"
 
+#include <algorithm>
 #include <fstream>
 
 namespace PathManagement {
@@ -17,9 +19,18 @@ std::string Quote(const std::filesystem::path& file) {
     throw UnableToSaveToolboxCacheException("The path cache file " + Quote(file) + " was not saved. " + reason);
 }
 
+/// The moment whose state is written, not later than it is for whoever stamps the folders below the root.
+Tolvex::FileTime FindBeginning(const Tolvex::FileReplacement& replacement, const Tolvex::AbsoluteIRI& cacheRoot,
+                               Tolvex::FileTime now) {
+    const auto [device, stamp] = replacement.GetBeginning();
+    const auto root = Tolvex::GetDiskStorageSystem()->takeChangeMark(cacheRoot);
+    return root.present && root.device == device ? stamp : std::min(stamp, now);
+}
+
 void Save(const IPathEntryFactory& factory, const Tolvex::AbsoluteIRI& cacheRoot, const std::filesystem::path& file,
-          Tolvex::FileTime began) {
+          Tolvex::FileTime now) {
     Tolvex::FileReplacement replacement(file);
+    const auto began = FindBeginning(replacement, cacheRoot, now);
     try {
         factory.WriteToolboxCache(replacement.GetStream(), cacheRoot);
     } catch (const UnableToSaveToolboxCacheException& failure) {

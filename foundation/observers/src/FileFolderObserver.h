@@ -36,6 +36,12 @@ public:
     /// True when it wants to know of changes and knows of none.
     [[nodiscard]] bool IsCurious() const noexcept { return GetLevel() != ObservationLevel::none && !IsChanged(); }
     [[nodiscard]] bool Refutes(const ChangeMark& now) const noexcept { return !mark.ProvesUnchanged(now); }
+    /// Takes over a mark that it does not refute where its own is only a time and would not tell the folder from
+    /// another.
+    void Adopt(const ChangeMark& now) noexcept {
+        if (mark.isOfTimeOnly && now.settled)
+            mark = now;
+    }
 
     /// Looks that began before it was made say nothing to it.
     [[nodiscard]] std::uint64_t GetNumber() const noexcept { return number; }
@@ -43,7 +49,7 @@ public:
 
 private:
     const boost::intrusive_ptr<ObserverRegistry> registry;
-    const ChangeMark mark;
+    ChangeMark mark;
     std::uint64_t number = 0;
     std::atomic<ObservationLevel> level;
     std::atomic<bool> changed = false;                 // never goes back

@@ -25,6 +25,7 @@ void ObserverRegistry::LookRound::Include(ObservedFolder& folder, FrozenInclusio
     Look look{boost::intrusive_ptr<ObservedFolder>(&folder), folder.suspicions, frozen};
     if (folder.rule == ObservedFolder::LookRule::once)
         registry.Arm(folder);
+    registry.FollowWay(folder);
     if (IsToBeLookedAt(folder, frozen) &&
         std::ranges::any_of(folder.observers, [&look](const auto& observer) { return look.Concerns(observer); }))
         looks.push_back(std::move(look));
@@ -86,9 +87,14 @@ std::vector<ChangeMark> ObserverRegistry::LookRound::TakeMarks() const {
 
 void ObserverRegistry::LookRound::Apply(const Look& look, const ChangeMark& now) const {
     auto& folder = *look.folder;
-    for (auto& observer : folder.observers)
-        if (observer.GetNumber() <= lastNumber && look.Concerns(observer) && observer.Refutes(now))
+    for (auto& observer : folder.observers) {
+        if (observer.GetNumber() > lastNumber || !look.Concerns(observer))
+            continue;
+        if (observer.Refutes(now))
             registry.MarkChanged(folder, observer);
+        else
+            observer.Adopt(now);
+    }
     const bool isSettled = folder.isWatched && folder.suspicions == look.suspicions;
     if (isSettled && folder.rule == ObservedFolder::LookRule::once)
         registry.SetRule(folder, ObservedFolder::LookRule::never);

@@ -39,6 +39,9 @@ struct ObservedFolder : FolderHook<LookListTag>,
         always, ///< there is no watch; in the list of time checks
     };
 
+    /// What is known of links on the way to the folder.
+    enum class WayType : std::uint8_t { unknown, direct, linked };
+
     explicit ObservedFolder(CanonicalAbsoluteIRI location) : location(std::move(location)) {}
 
     const CanonicalAbsoluteIRI location;
@@ -47,6 +50,7 @@ struct ObservedFolder : FolderHook<LookListTag>,
     std::uint64_t changedAt = 0;
     std::uint32_t suspicions = 0;    ///< counts the reasons to look; a look settles those from before it
     std::optional<StorageKind> kind; ///< none until it matters
+    WayType wayType = WayType::unknown;
     LookRule rule = LookRule::never;
     bool isWatched = false;  ///< its watch is armed, or, as long as it is missing, that of a folder above
     bool lacksWatch = false; ///< it should be watched, and no watch was left

@@ -26,7 +26,7 @@ ObservationLevel GetLevel(const ObservedFolder& folder) {
 ObserverRegistry::ObserverRegistry(const StorageSystemReference& storage, ObservationOptions options)
     : storage(storage), options(std::move(options)) {
     if (storage->getScheme() == diskScheme)
-        watches = CreateDiskWatches(*this, this->options.watchLimit);
+        watches = CreateDiskWatches(*this, this->options);
 }
 
 ObserverRegistry::~ObserverRegistry() = default;
@@ -38,6 +38,7 @@ boost::intrusive_ptr<ObservedFolder> ObserverRegistry::Add(const CanonicalAbsolu
     const bool isNew = !folder;
     if (isNew)
         folder.reset(new ObservedFolder(location));
+    folder->wayType = ObservedFolder::WayType::unknown;
     if (folder->isWatched)
         Drain(); // what is in the queue happened before and is told to the others only
     if (observer.GetLevel() != ObservationLevel::none)
@@ -137,13 +138,13 @@ ObservedFolder* ObserverRegistry::Find(const AbsoluteIRI& location) const {
     return found == folders.end() ? nullptr : *found;
 }
 
-void ObserverRegistry::OnChanged(ObservedFolder& folder) {
+void ObserverRegistry::OnChanged(ObservedFolder& folder) noexcept {
     for (auto& observer : folder.observers)
         if (observer.IsCurious())
             MarkChanged(folder, observer);
 }
 
-void ObserverRegistry::OnSuspect(ObservedFolder& folder) {
+void ObserverRegistry::OnSuspect(ObservedFolder& folder) noexcept {
     Watch(folder);
 }
 
@@ -153,6 +154,7 @@ void ObserverRegistry::OnMountChanged(std::string_view path) {
         if (!IsAtOrBelow(folder->location, place))
             continue;
         folder->kind.reset();
+        folder->wayType = ObservedFolder::WayType::unknown;
         Settle(*folder);
     }
 }
@@ -203,10 +205,22 @@ void ObserverRegistry::FindKind(ObservedFolder& folder) {
     if (folder.kind)
         return;
     const auto isHere = [&](const AbsoluteIRI& remote) { return IsAtOrBelow(folder.location, remote); };
-    if (std::ranges::any_of(options.remoteFolders, isHere))
-        folder.kind = StorageKind::remote;
+    if (watches)
+        folder.kind = watches->GetKind(folder.location);
     else
-        folder.kind = watches ? watches->GetKind(folder.location) : StorageKind::silent;
+        folder.kind = std::ranges::any_of(options.remoteFolders, isHere) ? StorageKind::remote : StorageKind::silent;
+}
+
+/// Before a look at a folder that no watch tells of: its name may lie here and its content far away. A link may be
+/// changed at any time; another name that becomes one is another folder, whose observers are made anew.
+void ObserverRegistry::FollowWay(ObservedFolder& folder) {
+    if (!watches || folder.isWatched || folder.wayType == ObservedFolder::WayType::direct)
+        return;
+    const auto way = watches->Follow(folder.location);
+    if (!way)
+        return;
+    folder.wayType = way->hasLinks ? ObservedFolder::WayType::linked : ObservedFolder::WayType::direct;
+    folder.kind = way->kind;
 }
 
 void ObserverRegistry::Arm(ObservedFolder& folder) {

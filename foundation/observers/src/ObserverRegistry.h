@@ -57,8 +57,8 @@ private:
 
     [[nodiscard]] ObservedFolder* Find(const AbsoluteIRI& location) const;
 
-    void OnChanged(ObservedFolder& folder) override;
-    void OnSuspect(ObservedFolder& folder) override;
+    void OnChanged(ObservedFolder& folder) noexcept override;
+    void OnSuspect(ObservedFolder& folder) noexcept override;
     void OnMountChanged(std::string_view path) override;
 
     void Drain();
@@ -67,6 +67,7 @@ private:
     void Watch(ObservedFolder& folder) noexcept;
     void Forget(ObservedFolder& folder) noexcept;
     void FindKind(ObservedFolder& folder);
+    void FollowWay(ObservedFolder& folder);
     void Arm(ObservedFolder& folder);
     void MarkChanged(ObservedFolder& folder, FileFolderObserver& observer) noexcept;
     void MarkAllChanged(ObservedFolder& folder, FrozenInclusion frozen) noexcept;

@@ -1,6 +1,5 @@
 #include "../FolderWatches.h"
-#include "MountTable.h"
-#include "WatchShortage.h"
+#include "StorageMap.h"
 #include "WatchTree.h"
 
 #include <array>
@@ -12,13 +11,15 @@ namespace {
 
 class DiskWatches final : public IFolderWatches {
 public:
-    DiskWatches(IWatchListener& listener, std::size_t limit)
-        : listener(listener), limit(limit), tree(listener, limit) {}
+    DiskWatches(IWatchListener& listener, const ObservationOptions& options)
+        : listener(listener), options(options), tree(listener, options) {}
 
     [[nodiscard]] StorageKind GetKind(const AbsoluteIRI& folder) override {
-        if (!mounts)
-            mounts.emplace();
-        return mounts->GetKind(ToUtf8(folder.getPath()));
+        return GetStorages().GetKind(ToUtf8(folder.getPath()));
+    }
+
+    [[nodiscard]] std::optional<Way> Follow(const AbsoluteIRI& folder) override {
+        return GetStorages().Follow(ToUtf8(folder.getPath()));
     }
 
     [[nodiscard]] ArmResult Arm(ObservedFolder& folder) override {
@@ -29,41 +30,55 @@ public:
 
     void Drain() override {
         std::array<pollfd, 2> waiting{pollfd{tree.GetQueueNumber(), POLLIN, 0},
-                                      pollfd{mounts ? mounts->GetNumber() : -1, POLLPRI, 0}};
+                                      pollfd{storages ? storages->GetNumber() : -1, POLLPRI, 0}};
         const int ready = ::poll(waiting.data(), waiting.size(), 0);
-        if (ready == 0)
-            return;
         const bool isInterrupted = ready < 0; // then each is looked at
-        if (mounts && (isInterrupted || (waiting[1].revents & POLLPRI) != 0))
+        if (storages && (isInterrupted || (waiting[1].revents & POLLPRI) != 0))
+            isTableOld = true; // which the system tells only once
+        if (isTableOld || !changedPlaces.empty())
             TellMountChanges();
         if (isInterrupted || waiting[0].revents != 0)
             tree.Drain();
     }
 
-    [[nodiscard]] std::string DescribeShortage() const override {
-        if (tree.GetQueueError() != 0)
-            return WatchShortage::DescribeQueueFailure(tree.GetQueueError());
-        return tree.IsFull() ? WatchShortage::DescribeOwnLimit(limit) : WatchShortage::DescribeWatchLimit();
-    }
+    [[nodiscard]] std::string DescribeShortage() const override { return tree.GetShortage().Describe(); }
 
 private:
+    [[nodiscard]] StorageMap& GetStorages() {
+        if (!storages)
+            storages.emplace(options.remoteFolders);
+        return *storages;
+    }
+
+    /// Whatever throws here leaves behind what is still to be told.
     void TellMountChanges() {
-        for (const auto& path : mounts->Update()) {
-            tree.SuspectPath(path);
-            listener.OnMountChanged(path);
+        TellChangedPlaces();
+        if (!isTableOld)
+            return;
+        changedPlaces = storages->Update();
+        isTableOld = false;
+        TellChangedPlaces();
+    }
+
+    void TellChangedPlaces() {
+        for (; !changedPlaces.empty(); changedPlaces.pop_back()) {
+            tree.SuspectPath(changedPlaces.back());
+            listener.OnMountChanged(changedPlaces.back());
         }
     }
 
     IWatchListener& listener;
-    const std::size_t limit;
+    const ObservationOptions& options;
     WatchTree tree;
-    std::optional<MountTable> mounts; // read when it is first needed
+    std::optional<StorageMap> storages; // read when it is first needed
+    bool isTableOld = false;
+    std::vector<std::string> changedPlaces; // that nobody was told of yet
 };
 
 } // namespace
 
-std::unique_ptr<IFolderWatches> CreateDiskWatches(IWatchListener& listener, std::size_t limit) {
-    return std::make_unique<DiskWatches>(listener, limit);
+std::unique_ptr<IFolderWatches> CreateDiskWatches(IWatchListener& listener, const ObservationOptions& options) {
+    return std::make_unique<DiskWatches>(listener, options);
 }
 
 } // namespace Tolvex

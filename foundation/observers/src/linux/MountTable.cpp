@@ -1,5 +1,7 @@
 #include "MountTable.h"
 
+#include "StorageTypes.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -7,28 +9,6 @@
 
 namespace Tolvex {
 namespace {
-
-/// Types of storage that other machines change, or that somebody's program serves. In front of a "." a subtype is left
-/// out, but for "fuse", which stands for all of its subtypes.
-constexpr std::array<std::string_view, 24> remoteTypes{
-    "9p",   "acfs",     "afs",   "auristorfs", "autofs", "beegfs", "ceph",     "cifs",
-    "coda", "davfs",    "fuse",  "glusterfs",  "gpfs",   "lustre", "ncpfs",    "nfs",
-    "nfs4", "orangefs", "pvfs2", "smb3",       "smbfs",  "vboxsf", "virtiofs", "vmhgfs"};
-
-/// Types whose content comes about without a change that the kernel tells of, and those that ignore case: there the
-/// kernel tells names as they were spelled by whoever made the change.
-constexpr std::array<std::string_view, 21> silentTypes{
-    "binfmt_misc", "bpf",   "cgroup",  "cgroup2", "configfs",   "debugfs", "devpts",
-    "efivarfs",    "exfat", "fusectl", "hfsplus", "mqueue",     "msdos",   "ntfs",
-    "ntfs3",       "nsfs",  "proc",    "pstore",  "securityfs", "sysfs",   "vfat"};
-
-StorageKind GetKindOfType(std::string_view type) {
-    const auto family = type.substr(0, type.find('.'));
-    if (std::ranges::find(remoteTypes, family) != remoteTypes.end())
-        return StorageKind::remote;
-    const bool isSilent = std::ranges::find(silentTypes, family) != silentTypes.end();
-    return isSilent ? StorageKind::silent : StorageKind::notifying;
-}
 
 /// Blanks and the like are written as a backslash and three octal digits.
 std::string Unescape(std::string_view text) {
@@ -57,8 +37,12 @@ StorageKind MountTable::GetKind(std::string_view path) const {
         if (const auto found = mounts.find(left.empty() ? "/" : left); found != mounts.end())
             return found->second.kind;
         if (left.size() <= 1)
-            return StorageKind::notifying;
+            return StorageKind::silent;
     }
+}
+
+bool MountTable::HasRemote() const noexcept {
+    return std::ranges::any_of(mounts, [](const auto& each) { return each.second.kind == StorageKind::remote; });
 }
 
 int MountTable::GetNumber() const noexcept {

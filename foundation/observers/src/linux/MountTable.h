@@ -17,8 +17,11 @@ class MountTable {
 public:
     MountTable();
 
-    /// The kind of the storage that `path` is on, or would be if it existed.
+    /// The kind of the storage that `path` is on, or would be if it existed. Links are taken for names.
     [[nodiscard]] StorageKind GetKind(std::string_view path) const;
+
+    /// Whether any storage is.
+    [[nodiscard]] bool HasRemote() const noexcept;
 
     /// Readable with "priority" when the table has changed since it was last read (see poll); -1 when the system
     /// has none.
@@ -30,7 +33,7 @@ public:
 private:
     struct Mount {
         std::string number; // the system's, never given twice at one place in a row
-        StorageKind kind = StorageKind::notifying;
+        StorageKind kind = StorageKind::silent;
         friend bool operator==(const Mount&, const Mount&) = default;
     };
     using Mounts = std::map<std::string, Mount, std::less<>>;

@@ -33,9 +33,10 @@ public:
     [[nodiscard]] int Add(const char* path, std::uint32_t mask) const noexcept;
     void Remove(int descriptor) const noexcept;
 
-    /// Hands what is in the queue to `handle(const Event&)`, in order. Does not wait.
+    /// Hands what is in the queue to `handle(const Event&)`, in order. Does not wait. What is read is gone: `handle`
+    /// must not throw.
     template <class Handle>
-    void ReadAll(Handle&& handle) {
+    void ReadAll(Handle&& handle) noexcept {
         while (const std::size_t size = ReadSome())
             for (std::size_t at = 0; at < size;)
                 handle(Parse(at));

@@ -1,19 +1,41 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace Tolvex {
 
-/// Which limit a refused watch has met, told to people: its name, its value and the cure. Nothing here changes a limit.
+/// Which limit a refused watch has met, remembered when it is met, since watches may be free again when somebody asks.
+/// Told to people with its value and the cure. Nothing here changes a limit.
 class WatchShortage {
 public:
-    /// `ownLimit` watches were allowed and are taken.
-    [[nodiscard]] static std::string DescribeOwnLimit(std::size_t ownLimit);
-    /// The system refuses one more watch.
-    [[nodiscard]] static std::string DescribeWatchLimit();
+    /// So many watches this process takes when nobody says how many: half of those that the system gives to a user.
+    /// Without a value when the system does not tell.
+    [[nodiscard]] static std::optional<std::size_t> GetShare();
+
+    /// All `limit` watches that somebody allowed are taken.
+    void MeetOwnLimit(std::size_t limit) noexcept { *this = WatchShortage(Cause::ownLimit, limit, 0); }
+    /// All `share` watches that this process takes by itself are taken.
+    void MeetShare(std::size_t share) noexcept { *this = WatchShortage(Cause::share, share, 0); }
+    /// The system refused one more watch, for the reason `error`.
+    void MeetRefusal(int error) noexcept { *this = WatchShortage(Cause::refusal, 0, error); }
     /// The system refused to make a queue, for the reason `error`.
-    [[nodiscard]] static std::string DescribeQueueFailure(int error);
+    void MissQueue(int error) noexcept { *this = WatchShortage(Cause::noQueue, 0, error); }
+
+    /// Empty when no limit was met.
+    [[nodiscard]] std::string Describe() const;
+
+    WatchShortage() = default;
+
+private:
+    enum class Cause { none, ownLimit, share, refusal, noQueue };
+
+    WatchShortage(Cause cause, std::size_t limit, int error) noexcept : cause(cause), limit(limit), error(error) {}
+
+    Cause cause = Cause::none;
+    std::size_t limit = 0;
+    int error = 0; // the system's number
 };
 
 } // namespace Tolvex

@@ -27,24 +27,18 @@ bool IsLink(const char* path) {
     return ::lstat(path, &state) == 0 && S_ISLNK(state.st_mode);
 }
 
-WatchTree::AddResult TellFailure(int error, const char* path) {
-    if (error == ENOENT)
-        return WatchTree::AddResult::missing;
-    if (error == ENOTDIR)
-        return IsLink(path) ? WatchTree::AddResult::unsuitable : WatchTree::AddResult::missing;
-    return error == ENOSPC ? WatchTree::AddResult::noWatchLeft : WatchTree::AddResult::unsuitable;
-}
-
 } // namespace
 
-WatchTree::WatchTree(IWatchListener& listener, std::size_t limit)
-    : listener(listener), limit(limit), root(std::make_unique<WatchNode>(nullptr, std::string_view())) {}
+WatchTree::WatchTree(IWatchListener& listener, const ObservationOptions& options)
+    : listener(listener), options(options), root(std::make_unique<WatchNode>(nullptr, std::string_view())) {}
 
 IFolderWatches::ArmResult WatchTree::Arm(ObservedFolder& folder, std::string_view path) {
     if (path.size() >= PATH_MAX)
         return IFolderWatches::ArmResult::unsuitable;
-    if (!queue.Open())
+    if (!queue.Open()) {
+        shortage.MissQueue(queue.GetError());
         return IFolderWatches::ArmResult::noWatchLeft;
+    }
     if (!folder.node) {
         folder.node = &GetOrMake(path);
         folder.node->folder = &folder;
@@ -62,7 +56,7 @@ void WatchTree::Release(ObservedFolder& folder) noexcept {
     Prune(std::exchange(folder.node, nullptr));
 }
 
-void WatchTree::SuspectPath(std::string_view path) {
+void WatchTree::SuspectPath(std::string_view path) noexcept {
     auto* node = root.get();
     WalkNames(path, [&](std::string_view name) {
         node = node->FindChild(name);
@@ -72,9 +66,40 @@ void WatchTree::SuspectPath(std::string_view path) {
         Suspect(*node);
 }
 
-void WatchTree::Drain() {
-    if (queue.GetNumber() >= 0)
-        queue.ReadAll([this](const WatchQueue::Event& event) { Handle(event); });
+void WatchTree::Drain() noexcept {
+    if (queue.GetNumber() < 0)
+        return;
+    std::size_t count = 0;
+    queue.ReadAll([&](const WatchQueue::Event& event) {
+        if (++count <= options.eventLimit)
+            Handle(event);
+    });
+    if (count > options.eventLimit)
+        Suspect(*root);
+}
+
+bool WatchTree::IsFull() {
+    const auto allowed = options.watchLimit;
+    if (!allowed && watchCount == 0)
+        limit = WatchShortage::GetShare();
+    if (watchCount < allowed.value_or(limit.value_or(watchCount + 1)))
+        return false;
+    if (allowed)
+        shortage.MeetOwnLimit(*allowed);
+    else
+        shortage.MeetShare(*limit);
+    return true;
+}
+
+WatchTree::AddResult WatchTree::TellFailure(int error, const char* path) noexcept {
+    if (error == ENOENT)
+        return AddResult::missing;
+    if (error == ENOTDIR)
+        return IsLink(path) ? AddResult::unsuitable : AddResult::missing;
+    if (error != ENOSPC && error != ENOMEM)
+        return AddResult::unsuitable;
+    shortage.MeetRefusal(error);
+    return AddResult::noWatchLeft;
 }
 
 WatchTree::AddResult WatchTree::Add(WatchNode& node, const char* path, std::uint32_t mask) {
@@ -99,19 +124,15 @@ void WatchTree::SetMissing(WatchNode& node) noexcept {
     node.state = WatchNode::State::missing;
 }
 
-void WatchTree::Suspect(WatchNode& top) {
-    std::vector<WatchNode*> left{&top};
-    while (!left.empty()) {
-        auto& node = *left.back();
-        left.pop_back();
-        if (node.state == WatchNode::State::unknown)
-            continue; // so is all below
-        node.state = WatchNode::State::unknown;
-        if (node.folder)
-            listener.OnSuspect(*node.folder);
-        for (const auto& child : node.children)
-            left.push_back(child.get());
-    }
+/// Takes no memory, so that nothing that was told is lost; goes as deep as a path has names.
+void WatchTree::Suspect(WatchNode& node) noexcept {
+    if (node.state == WatchNode::State::unknown)
+        return; // so is all below
+    node.state = WatchNode::State::unknown;
+    if (node.folder)
+        listener.OnSuspect(*node.folder);
+    for (const auto& child : node.children)
+        Suspect(*child);
 }
 
 WatchNode& WatchTree::GetOrMake(std::string_view path) {
@@ -124,14 +145,14 @@ WatchNode& WatchTree::GetOrMake(std::string_view path) {
     return *node;
 }
 
-void WatchTree::Handle(const WatchQueue::Event& event) {
+void WatchTree::Handle(const WatchQueue::Event& event) noexcept {
     if ((event.mask & IN_Q_OVERFLOW) != 0) // what was lost may have been anything
         return Suspect(*root);
     const auto [first, last] = nodesByDescriptor.equal_range(event.descriptor);
     std::for_each(first, last, [&](const auto& entry) { HandleAt(*entry.second, event); });
 }
 
-void WatchTree::HandleAt(WatchNode& node, const WatchQueue::Event& event) {
+void WatchTree::HandleAt(WatchNode& node, const WatchQueue::Event& event) noexcept {
     if (event.name.empty()) // the folder itself was moved, removed, detached or given other rights, or its watch ended
         return Suspect(node);
     if ((event.mask & WayArming::namesMask) == 0)

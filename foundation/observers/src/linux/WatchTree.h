@@ -3,7 +3,9 @@
 #include "../FolderWatches.h"
 #include "WatchNode.h"
 #include "WatchQueue.h"
+#include "WatchShortage.h"
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -19,20 +21,20 @@ class WatchTree {
 public:
     enum class AddResult { done, missing, unsuitable, noWatchLeft };
 
-    WatchTree(IWatchListener& listener, std::size_t limit);
+    WatchTree(IWatchListener& listener, const ObservationOptions& options);
     WatchTree(const WatchTree&) = delete;
     WatchTree& operator=(const WatchTree&) = delete;
 
     [[nodiscard]] IFolderWatches::ArmResult Arm(ObservedFolder& folder, std::string_view path);
     void Release(ObservedFolder& folder) noexcept;
     /// Everything at and below `path` is suspect and has to be armed again.
-    void SuspectPath(std::string_view path);
-    void Drain();
+    void SuspectPath(std::string_view path) noexcept;
+    void Drain() noexcept;
 
     /// -1 as long as nothing was watched.
     [[nodiscard]] int GetQueueNumber() const noexcept { return queue.GetNumber(); }
-    [[nodiscard]] int GetQueueError() const noexcept { return queue.GetError(); }
-    [[nodiscard]] bool IsFull() const noexcept { return watchCount >= limit; }
+    /// Why the last watch that was refused was.
+    [[nodiscard]] const WatchShortage& GetShortage() const noexcept { return shortage; }
 
     // For the arming of one way.
 
@@ -40,18 +42,22 @@ public:
     [[nodiscard]] AddResult Add(WatchNode& node, const char* path, std::uint32_t mask);
     void SetMissing(WatchNode& node) noexcept;
     /// The node and all below have to be armed again, and their folders looked at.
-    void Suspect(WatchNode& node);
+    void Suspect(WatchNode& node) noexcept;
 
 private:
     [[nodiscard]] WatchNode& GetOrMake(std::string_view path);
-    void Handle(const WatchQueue::Event& event);
-    void HandleAt(WatchNode& node, const WatchQueue::Event& event);
+    [[nodiscard]] bool IsFull();
+    [[nodiscard]] AddResult TellFailure(int error, const char* path) noexcept;
+    void Handle(const WatchQueue::Event& event) noexcept;
+    void HandleAt(WatchNode& node, const WatchQueue::Event& event) noexcept;
     void Hold(WatchNode& node, int descriptor);
     void Drop(WatchNode& node) noexcept;
     void Prune(WatchNode* node) noexcept;
 
     IWatchListener& listener;
-    const std::size_t limit;
+    const ObservationOptions& options;
+    std::optional<std::size_t> limit; // found when the first watch is taken; none when there is none
+    WatchShortage shortage;
     WatchQueue queue;
     std::unordered_multimap<int, WatchNode*> nodesByDescriptor; // nodes may share one
     std::size_t watchCount = 0;                                 // distinct descriptors

@@ -27,12 +27,8 @@ std::optional<Look> LookAt(int base, const char* path, int flags) {
 }
 
 ChangeMark MakeMark(const Look& look, FileTime now, const FileSystemRules& rules) {
-    using namespace std::chrono_literals;
-    // A stamp of whole seconds is most likely one of a file system that keeps no more.
-    const bool wholeSeconds = look.changed.time_since_epoch() % 1s == 0ns;
-    const auto grain = wholeSeconds ? std::max<std::chrono::nanoseconds>(rules.stampGrain, 2s) : rules.stampGrain;
     ChangeMark mark{look.device, look.inode, look.changed};
-    mark.settled = now - look.changed >= grain; // false for a stamp of the future, too
+    mark.settled = rules.IsSettled(look.changed, now);
     mark.present = true;
     return mark;
 }

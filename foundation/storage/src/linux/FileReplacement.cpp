@@ -66,6 +66,11 @@ private:
 class FileReplacement::State {
 public:
     explicit State(const Path& asked) : file(Resolve(asked)), descriptor(Open()), buffer(descriptor.Get()) {
+        struct stat fresh {};
+        if (::fstat(descriptor.Get(), &fresh) != 0)
+            Fail(file);
+        const auto made = std::chrono::seconds(fresh.st_mtim.tv_sec) + std::chrono::nanoseconds(fresh.st_mtim.tv_nsec);
+        beginning = {fresh.st_dev, FileTime(made)};
         struct stat old {};
         if (::stat(file.c_str(), &old) != 0)
             return;
@@ -109,6 +114,7 @@ public:
         return std::make_unique<ReadingStream>(std::move(reading));
     }
 
+    [[nodiscard]] const Beginning& GetBeginning() const noexcept { return beginning; }
     [[nodiscard]] std::ostream& GetStream() noexcept { return stream; }
     [[nodiscard]] int GetError() const noexcept { return buffer.GetError(); }
 
@@ -150,12 +156,17 @@ private:
     FileDescriptor descriptor;
     DescriptorBuffer buffer;
     std::ostream stream{&buffer};
+    Beginning beginning{};
     std::optional<FileTime> stamp;
 };
 
 FileReplacement::FileReplacement(const Path& file) : state(std::make_unique<State>(file)) {}
 
 FileReplacement::~FileReplacement() = default;
+
+FileReplacement::Beginning FileReplacement::GetBeginning() const noexcept {
+    return state->GetBeginning();
+}
 
 std::ostream& FileReplacement::GetStream() noexcept {
     return state->GetStream();

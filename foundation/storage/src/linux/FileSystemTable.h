@@ -1,20 +1,13 @@
 #pragma once
 
+#include "FileSystemRules.h"
+
 #include <array>
 #include <atomic>
-#include <chrono>
-#include <cstdint>
 #include <mutex>
 #include <optional>
 
 namespace Tolvex {
-
-/// What matters here about the file system that holds a folder.
-struct FileSystemRules {
-    bool ignoresCase = false;
-    /// A stamp this young may be given again.
-    std::chrono::nanoseconds stampGrain{};
-};
 
 /// The rules of the file systems met so far, by device: one system call a device. Reading takes no lock. A device
 /// number that is given to another file system while the process runs keeps its first rules.
@@ -23,7 +16,7 @@ public:
     [[nodiscard]] std::optional<FileSystemRules> Find(std::uint64_t device) const noexcept;
 
     /// Asks the system about the file system of an open file and keeps the answer for its device. A system that
-    /// does not tell is taken for a plain file system with coarse stamps, and asked again the next time.
+    /// does not tell is taken for one that nothing is known of, and asked again the next time.
     FileSystemRules Learn(std::uint64_t device, int descriptor) noexcept;
 
 private:

@@ -70,7 +70,7 @@ struct ToolboxCacheLoader::Place {
 ToolboxCacheLoader::ToolboxCacheLoader(const EntryBuilding& building, Location cacheRoot,
                                        const Tolvex::PathComparator& comparator, Tolvex::FileTime writtenAt)
     : building(building), cacheRoot(std::move(cacheRoot)), comparator(comparator),
-      mark(Tolvex::ChangeMark::AsOf(writtenAt)) {}
+      mark(Tolvex::ChangeMark::AsOf(writtenAt, Tolvex::GetSystemClock().Now())) {}
 
 void ToolboxCacheLoader::Load(std::istream& cacheFile) {
     ToolboxCacheReader reader(cacheFile);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -45,10 +46,15 @@ struct ChangeReport {
 
 /// What a factory takes from its system.
 struct ObservationOptions {
-    /// No more kernel watches than this. A folder takes one, and those above it one each for all below.
-    std::size_t watchLimit = std::numeric_limits<std::size_t>::max();
-    /// What is here and below counts as remote, beside what the system says is.
+    /// No more kernel watches than this. A folder takes one, and those above it one each for all below. Without a
+    /// value: half of those that the system gives to one user when the first is taken, so that the user's other
+    /// programs, and a second one like this, get theirs.
+    std::optional<std::size_t> watchLimit;
+    /// What is here and below, also by way of a link, counts as remote, beside what the system says is.
     std::vector<AbsoluteIRI> remoteFolders;
+    /// When more events than this have come since the last reading, the rest is not read one by one: it is taken for
+    /// lost, and each folder is looked at.
+    std::size_t eventLimit = std::numeric_limits<std::size_t>::max();
 };
 
 /// Makes observers and answers for all of them at once. One for a storage system. Safe from any thread.

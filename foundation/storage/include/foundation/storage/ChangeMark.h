@@ -21,10 +21,13 @@ struct ChangeMark {
     /// True for a mark that was not taken of the folder: see AsOf.
     bool isOfTimeOnly = false;
 
-    /// A mark for what was known to be true of a folder at a moment, without a look at it. A folder that was changed
-    /// since then, or up to two seconds before (the coarsest stamps there are, FAT's), differs from it.
-    [[nodiscard]] static ChangeMark AsOf(FileTime moment) noexcept {
-        return {0, 0, moment - std::chrono::seconds(2), true, true, true};
+    /// A mark for what was known to be true of a folder at a moment, without a look at it, made at the time `now`. A
+    /// folder that was changed since then, or up to two seconds before (the coarsest stamps there are, FAT's), differs
+    /// from it. It knows no folder but a time: one that is put in the folder's place differs only when it is as young.
+    /// So the first mark taken afterwards that does not differ should take its place. A moment still to come proves
+    /// nothing.
+    [[nodiscard]] static ChangeMark AsOf(FileTime moment, FileTime now) noexcept {
+        return {0, 0, moment - std::chrono::seconds(2), moment <= now, true, true};
     }
 
     /// True when `later`, a mark taken of the same folder afterwards, proves that nothing changed in between.
@@ -32,7 +35,7 @@ struct ChangeMark {
         if (!present || !later.present)
             return present == later.present;
         if (isOfTimeOnly)
-            return later.changed < changed;
+            return settled && later.changed < changed;
         return settled && device == later.device && inode == later.inode && changed == later.changed;
     }
 };

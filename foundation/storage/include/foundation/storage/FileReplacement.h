@@ -3,6 +3,7 @@
 #include "foundation/storage/Clock.h"
 #include "foundation/text/Export.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <memory>
@@ -20,6 +21,14 @@ public:
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
+
+    /// Where the new contents lie, and when they were begun by the clock of whoever keeps that file system's stamps,
+    /// which may be another machine.
+    struct Beginning {
+        std::uint64_t device; ///< as in ChangeMark
+        FileTime stamp;
+    };
+    [[nodiscard]] Beginning GetBeginning() const noexcept;
 
     /// Where the contents are written to. Fails as streams do.
     [[nodiscard]] std::ostream& GetStream() noexcept;

@@ -10,9 +10,15 @@
 
 namespace Tolvex {
 
-/// The disk, as seen by somebody for whom every stamp is old enough, who counts the looks at folders.
+/// Whether every stamp is old enough to prove something, or as old as it is.
+enum class StampAge { enough, real };
+
+/// The disk, and a count of the looks at its folders.
 class CountingDisk final : public StorageSystem {
 public:
+    explicit CountingDisk(StampAge age)
+        : disk(age == StampAge::enough ? CreateDiskStorageSystem(clock) : GetDiskStorageSystem()) {}
+
     [[nodiscard]] std::string_view getScheme() const noexcept override { return disk->getScheme(); }
     [[nodiscard]] std::unique_ptr<Folder> openFolder(const AbsoluteIRI& location) const override {
         return disk->openFolder(location);
@@ -36,16 +42,17 @@ private:
         [[nodiscard]] FileTime Now() const override { return GetSystemClock().Now() + std::chrono::hours(1); }
     };
     LateClock clock;
-    StorageSystemReference disk = CreateDiskStorageSystem(clock);
+    StorageSystemReference disk;
     mutable std::atomic<std::size_t> looks = 0;
 };
 
-/// A folder on the disk with observers of its own factory. Each change carries a later stamp than all before it: what
-/// the marks of the observers take for granted, since they are old enough.
+/// A folder on the disk with observers of its own factory. Where stamps are old enough, each change carries a later one
+/// than all before it, as the marks of the observers take for granted.
 class ObservedTree {
 public:
-    explicit ObservedTree(ObservationOptions options = {})
-        : factory(CreateFileFolderObserverFactory(storage, std::move(options))) {
+    explicit ObservedTree(ObservationOptions options = {}, StampAge age = StampAge::enough)
+        : storage(std::make_shared<CountingDisk>(age)),
+          factory(CreateFileFolderObserverFactory(storage, std::move(options))) {
         MakeFolder("stamp");
     }
 
@@ -108,13 +115,13 @@ public:
     void MoveStampsOn() const {
         if (!isMarkTaken.exchange(false))
             return;
-        const auto before = storage->takeChangeMark(Locate("stamp"));
+        const auto before = storage->takeChangeMark(Locate("stamp")); // proves nothing where stamps are too young
         while (before.ProvesUnchanged(storage->takeChangeMark(Locate("stamp"))))
             std::filesystem::permissions(At("stamp"), std::filesystem::perms::owner_all);
     }
 
     TemporaryTree tree;
-    std::shared_ptr<CountingDisk> storage = std::make_shared<CountingDisk>();
+    std::shared_ptr<CountingDisk> storage;
     std::unique_ptr<IFileFolderObserverFactory> factory;
     ChangeToken token;
     mutable std::vector<std::unique_ptr<Folder>> held;

@@ -4,52 +4,62 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <random>
 
 namespace Tolvex {
 namespace {
 
-constexpr int changesEach = 1'700; // over 10,000 in all
+/// How the observers of a test come to know, and of what.
+struct Means {
+    const char* name;
+    ObservationLevel level;
+    ObservationOptions options;
+    bool areAllAsked = true;
+    bool hasLinks = true;
+    bool changesWaysOnly = false;
+    StampAge age = StampAge::enough;
 
-/// Changes a small tree at random and keeps account of the folders that each change concerns.
+    friend std::ostream& operator<<(std::ostream& out, const Means& means) { return out << means.name; }
+};
+
+/// A small tree that random changes keep populated, so that most of them find something to change.
 class RandomTree : public ObservedTree {
 public:
-    RandomTree(unsigned seed, ObservationOptions options, bool hasLinks)
-        : ObservedTree(std::move(options)), random(seed), hasLinks(hasLinks) {}
+    RandomTree(unsigned seed, const Means& means)
+        : ObservedTree(means.options, means.age), random(seed), hasLinks(means.hasLinks),
+          changesWaysOnly(means.changesWaysOnly) {
+        for (const std::string a : {"a", "b", "c"})
+            for (const std::string b : {"a", "b"})
+                for (const std::string c : {"b", "c"})
+                    MakeFolder(a + "/" + b + "/" + c);
+    }
 
-    /// Returns what was done, for people.
+    /// Returns what was done, for people; empty when nothing was found to do it to.
     std::string Change() {
         MoveStampsOn();
-        listsChanged.clear();
         waysChanged.clear();
-        const auto path = Pick();
-        std::error_code failure; // many changes are not possible: nothing happens then
-        switch (random() % (hasLinks ? 7 : 6)) {
+        if (changesWaysOnly && random() % 4 != 0)
+            return ChangeWay(random() % 3);
+        switch (random() % 12) {
         case 0:
-            Concern(path);
-            std::filesystem::create_directory(At(path), failure);
-            return "make folder " + path;
         case 1:
-            listsChanged.insert(path);
-            std::ofstream(At(path) / "file").put('x');
-            return "make file in " + path;
         case 2:
-            listsChanged.insert(path);
-            std::filesystem::remove(At(path) / "file", failure);
-            return "remove file in " + path;
+            return MakeFilledFolder();
         case 3:
-            Concern(path);
-            std::filesystem::remove_all(At(path), failure);
-            return "remove " + path;
+        case 4:
+            return MakeNewFile();
+        case 5:
         case 6:
-            std::filesystem::create_symlink(At(Pick()), At(path), failure);
-            return "make link " + path;
+            return MoveOrRemoveFile();
+        case 7:
+            return RemoveFolder();
         default:
-            return MoveOrExchange(path, Pick());
+            return ChangeWay(random() % 5);
         }
     }
 
-    /// A folder somewhere in the tree, there or not.
+    /// A name in the tree, there or not.
     std::string Pick() {
         static const char* const names[] = {"a", "b", "c"};
         std::string path = names[random() % 3];
@@ -58,11 +68,9 @@ public:
         return path;
     }
 
-    /// False when the last change left alone what is in the folder and where its way leads.
-    [[nodiscard]] bool MayConcern(const std::string& folder) const {
-        return hasLinks || listsChanged.contains(folder) || std::ranges::any_of(waysChanged, [&](const auto& path) {
-                   return (folder + '/').starts_with(path + '/');
-               });
+    /// True when the last change was one of an ancestor of the folder, or of a link on the way to it.
+    [[nodiscard]] bool IsBelowChange(const std::string& folder) const {
+        return std::ranges::any_of(waysChanged, [&](const auto& path) { return folder.starts_with(path + '/'); });
     }
 
     /// The names in a folder, that of a folder with a "/" behind. Links are names of their own: where they lead is
@@ -78,83 +86,226 @@ public:
     }
 
     std::mt19937 random;
+    int linksRetargeted = 0;
 
 private:
-    void Concern(const std::string& path) {
-        waysChanged.insert(path);
-        if (const auto end = path.rfind('/'); end != std::string::npos)
-            listsChanged.insert(path.substr(0, end));
+    /// Empty when chance finds none.
+    template <class Predicate>
+    std::string PickWhere(Predicate&& isRight) {
+        for (int tries = 0; tries < 40; ++tries)
+            if (auto path = Pick(); isRight(path))
+                return path;
+        return {};
+    }
+    std::string PickFolder() {
+        return PickWhere([&](const std::string& path) { return IsFolder(At(path)); });
+    }
+    std::string PickFreeName() {
+        return PickWhere([&](const std::string& path) {
+            std::error_code ignored;
+            return std::filesystem::symlink_status(At(path), ignored).type() == std::filesystem::file_type::not_found &&
+                   IsFolder(At(path).parent_path());
+        });
+    }
+    std::string PickLink() {
+        std::error_code ignored; // links may lead in circles
+        return PickWhere([&](const std::string& path) { return std::filesystem::is_symlink(At(path), ignored); });
+    }
+    static bool IsFolder(const std::filesystem::path& path) {
+        std::error_code ignored;
+        return std::filesystem::is_directory(path, ignored);
     }
 
-    std::string MoveOrExchange(const std::string& from, const std::string& to) {
+    std::string MakeFilledFolder() {
+        const auto path = PickFreeName();
+        if (path.empty())
+            return {};
+        std::filesystem::create_directory(At(path));
+        Fill(path);
+        return "make folder " + path;
+    }
+
+    std::string MakeNewFile() {
+        const auto path = PickFolder();
+        if (!path.empty())
+            Fill(path);
+        return path.empty() ? "" : "make file in " + path;
+    }
+
+    void Fill(const std::string& folder) { std::ofstream(At(folder) / std::to_string(++fileCount)).put('x'); }
+
+    std::string MoveOrRemoveFile() {
+        const auto from = PickFolder();
+        const auto to = PickFolder();
+        if (from.empty() || to.empty())
+            return {};
+        for (const auto& entry : std::filesystem::directory_iterator(At(from))) {
+            if (!std::filesystem::is_regular_file(entry.symlink_status()))
+                continue;
+            if (random() % 3 == 0)
+                std::filesystem::remove(entry.path());
+            else
+                std::filesystem::rename(entry.path(), At(to) / std::to_string(++fileCount));
+            return "move or remove file of " + from + ", to " + to;
+        }
+        return {};
+    }
+
+    std::string RemoveFolder() {
+        const auto path = PickFolder();
+        if (path.empty() || (path.size() < 5 && random() % 4 != 0)) // mostly the lowest ones
+            return {};
+        waysChanged = {path};
+        std::filesystem::remove_all(At(path));
+        return "remove " + path;
+    }
+
+    std::string ChangeWay(std::uint_fast32_t kind) {
+        if (kind == 0 || !hasLinks)
+            return MoveOrExchange();
+        if (kind == 1)
+            return RetargetLink();
+        const auto path = PickFreeName();
+        const auto target = PickFolder();
+        if (kind == 2 && !path.empty() && !target.empty()) {
+            std::filesystem::create_symlink(At(target), At(path));
+            return "make link " + path + " to " + target;
+        }
+        return MoveOrExchange();
+    }
+
+    std::string MoveOrExchange() {
         const unsigned flags = random() % 2 == 0 ? 0 : RENAME_EXCHANGE;
-        if (::renameat2(-1, At(from).c_str(), -1, At(to).c_str(), flags) != 0)
-            return "nothing";
-        Concern(from);
-        Concern(to);
-        return (flags == 0 ? "move " : "exchange ") + from + " and " + to;
+        const auto from = PickFolder();
+        const auto to = flags == 0 ? PickFreeName() : PickFolder();
+        waysChanged = {from, to};
+        const bool isDone = !from.empty() && !to.empty() && from != to &&
+                            ::renameat2(-1, At(from).c_str(), -1, At(to).c_str(), flags) == 0;
+        return isDone ? (flags == 0 ? "move " : "exchange ") + from + " and " + to : "";
+    }
+
+    std::string RetargetLink() {
+        const auto link = PickLink();
+        const auto target = PickFolder();
+        if (link.empty() || target.empty() || At(target) == std::filesystem::read_symlink(At(link)))
+            return {};
+        waysChanged = {link};
+        std::filesystem::create_symlink(At(target), At("new link"));
+        std::filesystem::rename(At("new link"), At(link));
+        ++linksRetargeted;
+        return "retarget link " + link + " to " + target;
     }
 
     const bool hasLinks;
-    Names listsChanged;
+    const bool changesWaysOnly;
+    int fileCount = 0;
     Names waysChanged;
 };
 
-struct Way {
-    const char* name;
-    ObservationLevel level;
-    std::size_t watchLimit;
-    bool askForAll;
-    bool hasLinks;
-};
+/// More than so many are asked for by an environment variable.
+int GetWantedChanges() {
+    const char* const wanted = std::getenv("KX_RANDOM_CHANGES");
+    return wanted ? std::max(1250, std::atoi(wanted)) : 1250; // over 10,000 by all means together
+}
 
-class RandomChanges : public testing::TestWithParam<Way> {};
-
-TEST_P(RandomChanges, AreAllSeenAndNoneIsMadeUp) {
+class RandomChanges : public testing::TestWithParam<Means> {
+protected:
     struct Observed {
         std::string folder;
+        ChangeMark mark;
         std::optional<Names> names;
         std::unique_ptr<IFileFolderObserver> observer;
     };
-    const auto& [name, level, watchLimit, askForAll, hasLinks] = GetParam();
-    const auto seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    RandomTree tree(seed, {watchLimit, {}}, hasLinks);
-    const auto observe = [&](const std::string& folder) {
+
+    [[nodiscard]] Observed Observe(const std::string& folder) {
         tree.MoveStampsOn();
-        auto observer = tree.Observe(folder, level);
-        return Observed{folder, tree.List(folder), std::move(observer)};
-    };
-    std::vector<Observed> all;
-    for (int i = 0; i < 12; ++i)
-        all.push_back(observe(tree.Pick()));
-    for (int i = 0; i < changesEach && !testing::Test::HasFailure(); ++i) {
-        SCOPED_TRACE(tree.Change());
-        const auto reported = askForAll ? tree.TakeChanges() : Names();
-        for (auto& [folder, names, observer] : all) {
-            const bool isReported = askForAll ? reported.contains(folder) : observer->hasChanged();
-            EXPECT_EQ(observer->hasChanged(), isReported) << folder;
-            EXPECT_TRUE(isReported || tree.List(folder) == names) << "not seen in " << folder;
-            EXPECT_TRUE(!isReported || tree.MayConcern(folder)) << "made up in " << folder;
+        const auto mark = tree.storage->takeChangeMark(tree.Locate(folder));
+        return {folder, mark, tree.List(folder), tree.Observe(folder, GetParam().level)};
+    }
+
+    /// One to three changes; what they were, for people.
+    std::string Change() {
+        std::string story;
+        for (auto count = 1 + tree.random() % 3; count > 0; --count) {
+            const auto what = tree.Change();
+            ++tries;
+            effective += what.empty() ? 0 : 1;
+            waysChanged += !what.empty() && std::ranges::any_of(all, [&](const Observed& each) {
+                return tree.IsBelowChange(each.folder);
+            });
+            story += what + "; ";
         }
+        return story;
+    }
+
+    void Check(const Observed& each) {
+        const bool isReported = each.observer->hasChanged();
+        EXPECT_TRUE(isReported || tree.List(each.folder) == each.names) << "not seen in " << each.folder;
+        // The folder that the way leads to now tells, links or no links, unless its mark is too young to tell.
+        EXPECT_TRUE(!isReported || !each.mark.ProvesUnchanged(tree.storage->takeChangeMark(tree.Locate(each.folder))))
+            << "made up in " << each.folder;
+        seen += isReported ? 1 : 0;
+        proven += isReported && each.mark.settled ? 1 : 0;
+    }
+
+    const unsigned seed = std::random_device()();
+    RandomTree tree{seed, GetParam()};
+    std::vector<Observed> all;
+    int tries = 0;       // changes
+    int effective = 0;   // those that changed something
+    int waysChanged = 0; // those that changed the way to an observed folder
+    int seen = 0;        // observers that changed
+    int proven = 0;      // those whose mark was old enough to tell of changes that are none
+};
+
+TEST_P(RandomChanges, AreAllSeenAndNoneIsMadeUp) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const int wanted = GetWantedChanges();
+    for (int i = 0; i < 12; ++i)
+        all.push_back(Observe(tree.Pick()));
+    while (effective < wanted && tries < 4 * wanted && !HasFailure()) {
+        SCOPED_TRACE(Change());
+        const auto reported = GetParam().areAllAsked ? tree.TakeChanges() : Names();
+        Names changed;
+        for (const auto& each : all) {
+            Check(each);
+            if (each.observer->hasChanged() && !changed.contains(each.folder))
+                changed.insert(each.folder);
+        }
+        EXPECT_TRUE(!GetParam().areAllAsked || reported == changed);
         // Changed folders are observed anew, and now and then another one takes the place of one that is not.
         for (auto& each : all)
             if (each.observer->hasChanged() || tree.random() % 20 == 0)
-                each = observe(tree.random() % 3 == 0 ? tree.Pick() : each.folder);
-        EXPECT_TRUE(!askForAll || tree.random() % 2 == 0 || tree.TakeChanges().empty());
+                each = Observe(tree.random() % 3 == 0 ? tree.Pick() : each.folder);
+        EXPECT_TRUE(!GetParam().areAllAsked || GetParam().age == StampAge::real || tree.random() % 2 == 0 ||
+                    tree.TakeChanges().empty());
     }
+    EXPECT_GE(effective, wanted);
+    EXPECT_GT(seen, wanted / 2);
+    EXPECT_GT(proven, wanted / 10);
+    EXPECT_GT(waysChanged, wanted / 10);
+    EXPECT_TRUE(!GetParam().hasLinks || tree.linksRetargeted > wanted / 50);
+    RecordProperty("tries", tries);
+    RecordProperty("effective", effective);
+    RecordProperty("seen", seen);
+    RecordProperty("proven", proven);
+    RecordProperty("waysChanged", waysChanged);
+    RecordProperty("linksRetargeted", tree.linksRetargeted);
 }
 
 constexpr auto watching = ObservationLevel::notification;
+constexpr auto timeCheck = ObservationLevel::timeCheck;
 
-INSTANTIATE_TEST_SUITE_P(Observers, RandomChanges,
-                         testing::Values(Way{"watchesAskedSingly", watching, 1000, false, false},
-                                         Way{"watchesAskedForAll", watching, 1000, true, false},
-                                         Way{"watchesAndLinks", watching, 1000, true, true},
-                                         Way{"timeChecks", ObservationLevel::timeCheck, 1000, true, false},
-                                         Way{"someWatches", watching, 9, true, false},
-                                         Way{"noWatch", watching, 0, false, false}),
-                         [](const auto& tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Observers, RandomChanges,
+    testing::Values(Means{"watchesAskedSingly", watching, {1000, {}}, false, false},
+                    Means{"watchesAskedForAll", watching, {1000, {}}, true, false},
+                    Means{"watchesAndLinks", watching, {1000, {}}}, Means{"timeChecks", timeCheck, {1000, {}}},
+                    Means{"someWatches", watching, {9, {}}}, Means{"noWatchLeft", watching, {0, {}}, false},
+                    Means{"lostReports", watching, {1000, {}, 0}}, Means{"manyLostReports", watching, {1000, {}, 3}},
+                    Means{"changedWays", watching, {1000, {}}, true, true, true},
+                    Means{"youngMarks", watching, {1000, {}}, true, true, false, StampAge::real}),
+    [](const auto& tested) { return std::string(tested.param.name); });
 
 } // namespace
 } // namespace Tolvex

@@ -249,6 +249,39 @@ TEST(WatchedFolders, TheKernelsOneWatchServesAFolderUnderItsOldAndItsNewName) {
     }
 }
 
+TEST(WatchedFolders, WhatHappensToAFolderThatMovedOnIsNoneOfItsOldNamesBusiness) {
+    ObservedTree tree;
+    tree.MakeFolder("a/b");
+    const auto old = tree.Watch("a/b");
+    tree.MakeFile("a/b/first");
+    tree.Move("a/b", "z");
+    EXPECT_TRUE(old->hasChanged()) << "known without a look";
+    const auto missing = tree.Observe("a/b");
+    tree.MakeFile("z/second");
+    EXPECT_FALSE(missing->hasChanged());
+}
+
+TEST(WatchedFolders, AFolderKnownByATimeOnlyIsToldFromOneThatTakesItsPlace) {
+    const auto now = GetSystemClock().Now();
+    const auto known = ChangeMark::AsOf(now + 30s, now + 1h);
+    for (const auto level : {ObservationLevel::timeCheck, ObservationLevel::notification}) {
+        ObservedTree tree;
+        for (const auto* const folder : {"old/sub", "top/sub"})
+            tree.MakeFolder(folder);
+        const auto top = tree.factory->createObserver(tree.Locate("top"), known, level);
+        const auto sub = tree.factory->createObserver(tree.Locate("top/sub"), known, level);
+        const auto later = ChangeMark::AsOf(now + 30s, now);
+        const auto untrusted = tree.factory->createObserver(tree.Locate("old"), later, level);
+        EXPECT_FALSE(top->hasChanged());
+        EXPECT_FALSE(sub->hasChanged());
+        EXPECT_TRUE(untrusted->hasChanged()) << "nobody can have known it yet";
+        tree.Move("top", "newer");
+        tree.Move("old", "top");
+        EXPECT_TRUE(top->hasChanged());
+        EXPECT_TRUE(sub->hasChanged());
+    }
+}
+
 /// Others keep no watch that would tell by chance.
 TEST(WatchedFolders, EachAloneSeesWhatConcernsIt) {
     for (const auto& happening : happenings) {
@@ -372,23 +405,26 @@ TEST(WatchedFolders, WithoutAWatchAreLookedAtAndTheUserIsTold) {
     const Case cases[] = {{ChangeHandleWarning::always, {true, true, true}},
                           {ChangeHandleWarning::once, {true, false, false}},
                           {ChangeHandleWarning::never, {false, false, false}}};
-    for (const auto& [setting, isTold] : cases) {
-        ObservedTree tree({0, {}});
-        tree.factory->setChangeHandleWarning(setting);
-        EXPECT_EQ(tree.factory->getChangeHandleWarning(), setting);
-        tree.MakeFolder("a");
-        tree.MakeFolder("b");
-        EXPECT_EQ(tree.TakeChanges(), Names());
-        EXPECT_EQ(tree.factory->takeChangeHandleWarning(), "") << "nobody wanted a watch";
-        const auto a = tree.Observe("a");
-        const auto b = tree.Observe("b");
-        for (const bool expected : isTold) {
+    for (const std::size_t limit : {0, 1, 5})
+        for (const auto& [setting, isTold] : cases) {
+            ObservedTree tree({limit, {}});
+            tree.factory->setChangeHandleWarning(setting);
+            EXPECT_EQ(tree.factory->getChangeHandleWarning(), setting);
+            tree.MakeFolder("a/b/c");
+            tree.MakeFolder("b");
             EXPECT_EQ(tree.TakeChanges(), Names());
-            const auto text = tree.factory->takeChangeHandleWarning();
-            EXPECT_EQ(text.find("All 0 folder watches") != std::string::npos, expected) << text;
-            EXPECT_EQ(tree.factory->takeChangeHandleWarning(), "");
+            EXPECT_EQ(tree.factory->takeChangeHandleWarning(), "") << "nobody wanted a watch";
+            const auto a = tree.Observe("a/b/c");
+            const auto b = tree.Observe("b");
+            for (const bool expected : isTold) {
+                EXPECT_EQ(tree.TakeChanges(), Names());
+                const auto text = tree.factory->takeChangeHandleWarning();
+                const bool isRight = text.find("All " + std::to_string(limit) + " folder watches") == 0;
+                EXPECT_TRUE(expected ? isRight : text.empty()) << text;
+                EXPECT_EQ(text.find("sysctl"), std::string::npos) << "that is not what refused: " << text;
+                EXPECT_EQ(tree.factory->takeChangeHandleWarning(), "");
+            }
         }
-    }
 }
 
 TEST(WatchedFolders, GetAWatchOnceOneIsFree) {
@@ -449,6 +485,38 @@ TEST(RemoteFolders, AreCheckedAsThePolicySays) {
     EXPECT_FALSE(remote->hasChanged());
     EXPECT_TRUE(factory->getChangesSince({}).changed.empty());
     EXPECT_EQ(storage->GetMarkCount(), 0U) << "a server that does not answer would hold everybody up";
+}
+
+TEST(RemoteFolders, AreKnownBehindLinks) {
+    for (const auto level : {ObservationLevel::none, ObservationLevel::timeCheck, ObservationLevel::notification}) {
+        ObservedTree tree;
+        for (const auto* const folder : {"far/p/q", "near", "here/q"})
+            tree.MakeFolder(folder);
+        tree.MakeLink("there", "far");
+        tree.MakeLink("near/link", "../there/p");
+        tree.factory = CreateFileFolderObserverFactory(tree.storage, {1000, {tree.Locate("far")}});
+        const std::vector folders{tree.Locate("near/link"), tree.Locate("near/link/q")};
+        const auto countLooks = [&](RemotePathPolicy policy) {
+            tree.factory->setRemotePathPolicy(policy);
+            const auto link = tree.Observe("near/link", level);
+            const auto below = tree.Observe("near/link/q", level);
+            tree.factory->lookAt(folders);
+            EXPECT_EQ(link->hasChanged(), policy == RemotePathPolicy::reload);
+            EXPECT_EQ(below->hasChanged(), policy == RemotePathPolicy::reload);
+            return tree.storage->TakeLooks();
+        };
+        EXPECT_EQ(countLooks(RemotePathPolicy::none), 0U);
+        EXPECT_EQ(countLooks(RemotePathPolicy::reload), 0U);
+        EXPECT_GT(countLooks(RemotePathPolicy::timecheckDir), 0U);
+        tree.factory->setRemotePathPolicy(RemotePathPolicy::none);
+        const auto observer = tree.Observe("near/link/q", level);
+        tree.factory->lookAt(folders);
+        EXPECT_FALSE(observer->hasChanged());
+        tree.Remove("near/link");
+        tree.MakeLink("near/link", "../here");
+        tree.factory->lookAt(folders);
+        EXPECT_TRUE(observer->hasChanged()) << "it is near now";
+    }
 }
 
 TEST(WatchedFolders, OtherStorageAttachedOnTheWayIsSeen) {

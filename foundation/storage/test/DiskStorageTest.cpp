@@ -1,3 +1,4 @@
+#include "../src/linux/FileSystemRules.h"
 #include "TemporaryTree.h"
 #include "foundation/storage/MemoryStorage.h"
 
@@ -290,6 +291,43 @@ TEST_F(DiskStorage, AStampProvesNothingUntilTheClockHasMovedOn) {
     }
     MakeFile("new");
     EXPECT_FALSE(own->takeChangeMark(tree.GetIRI()).changed == stamp);
+}
+
+TEST(FileSystemRules, TrustAStampOnceNoLaterChangeCanCarryIt) {
+    using namespace std::chrono_literals;
+    const FileTime stamp(1'700'000'000s + 5ms);
+    struct Case {
+        std::uint32_t magic;
+        std::chrono::nanoseconds leastAge;
+        bool ignoresCase;
+    };
+    const Case cases[] = {{0xEF53, 20ms, false},
+                          {0x4d44, 2s, true},
+                          {0xFE534D42, 1h, true},
+                          {0x6969, 1h, false},      // where another machine stamps
+                          {0x12345678, 1h, false}}; // nobody knows whose clock it is
+    for (const auto& [magic, leastAge, ignoresCase] : cases) {
+        const auto rules = GetRulesOfType(magic);
+        EXPECT_EQ(rules.ignoresCase, ignoresCase) << magic;
+        EXPECT_FALSE(rules.IsSettled(stamp, stamp + leastAge - 1ns)) << magic;
+        EXPECT_TRUE(rules.IsSettled(stamp, stamp + leastAge)) << magic;
+        EXPECT_FALSE(rules.IsSettled(stamp, stamp - 2h)) << magic;
+    }
+    EXPECT_FALSE(GetRulesOfType(0xEF53).IsSettled(stamp - 5ms, stamp + 1s)) << "whole seconds may be all it keeps";
+}
+
+TEST(ChangeMark, OfATimeOnlyIsRefutedByAStampOfTheTwoSecondsBefore) {
+    using namespace std::chrono_literals;
+    const FileTime moment(1'700'000'000s);
+    const auto proves = [&](const ChangeMark& mark, std::chrono::nanoseconds age) {
+        return mark.ProvesUnchanged({1, 1, moment - age, true, true});
+    };
+    const auto mark = ChangeMark::AsOf(moment, moment);
+    EXPECT_FALSE(proves(mark, 1900ms));
+    EXPECT_TRUE(proves(mark, 2100ms));
+    EXPECT_FALSE(proves(mark, -1ns));
+    EXPECT_FALSE(proves(ChangeMark::AsOf(moment, moment - 1ns), 1h)) << "it is still to come";
+    EXPECT_FALSE(mark.ProvesUnchanged({}));
 }
 
 TEST_F(DiskStorage, NoDescriptorIsLeftBehind) {

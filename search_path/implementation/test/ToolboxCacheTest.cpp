@@ -196,6 +196,19 @@ TEST(ToolboxCache, WhatLiesInAReplacedFolderIsListedAgain) {
     EXPECT_EQ(Names(*entry->GetPackageEntries()->front()->GetPathItems()), "older.kx");
 }
 
+TEST(ToolboxCache, AFileOfAMomentStillToComeProvesNothing) {
+    PathWorld world({"/root/m/a.kx"});
+    std::istringstream stream(
+        "<Harrowfen type=\"Path Cache File\" version=\"2.0\" date=\"\"> <D name=\"m\"></D></Harrowfen>");
+    world.factory.LoadToolboxCache(stream, PathWorld::At("/root"),
+                                   Tolvex::GetSystemClock().Now() + std::chrono::hours(1));
+    const auto entry = world.Entry("/root/m");
+    EXPECT_EQ(world.factory.GetEntryState(*entry).source, PathEntrySource::cacheFile);
+    const auto updated = entry->GetUpdatedPathEntry(world.factory, world.monitor);
+    EXPECT_EQ(Draw(*updated), Draw(*PathWorld(world.storage).Entry("/root/m")));
+    EXPECT_EQ(world.factory.GetEntryState(*updated).source, PathEntrySource::disk);
+}
+
 TEST(ToolboxCache, WritingListsAgainWhatNobodyLooksAt) {
     PathWorld first({"/root/m/a.kx"});
     const auto kept = first.Entry("/root/m");
@@ -415,6 +428,26 @@ TEST_F(ToolboxCacheOnDisk, KeepsLinksRightsAndTheMomentOfWriting) {
     entry.reset();
     LoadToolboxPathCache(factory, At(""), file);
     EXPECT_EQ(Draw(*MakeEntry("lib")), "0 " + (root / "lib").native() + " [a.kx] (1 p [b.kx])");
+}
+
+/// Whoever stamps the folders says what the time is, not this machine's clock, which may go wrong.
+TEST_F(ToolboxCacheOnDisk, BearsTheTimeOfTheFoldersFileSystem) {
+    struct WrongClock final : Tolvex::IClock {
+        explicit WrongClock(std::chrono::hours fault) : fault(fault) {}
+        [[nodiscard]] Tolvex::FileTime Now() const override { return Tolvex::GetSystemClock().Now() + fault; }
+        const std::chrono::hours fault;
+    };
+    using namespace std::chrono_literals;
+    const auto now = std::filesystem::file_time_type::clock::now();
+    const auto findAge = [&](std::chrono::hours fault, const Tolvex::AbsoluteIRI& cacheRoot) {
+        WriteToolboxPathCache(factory, cacheRoot, file, WrongClock(fault));
+        return std::chrono::round<std::chrono::hours>(now - std::filesystem::last_write_time(file));
+    };
+    EXPECT_EQ(findAge(-5h, At("")), 0h);
+    EXPECT_EQ(findAge(5h, At("")), 0h);
+    const auto elsewhere = PathWorld::At("/root");
+    EXPECT_EQ(findAge(-5h, elsewhere), 5h) << "the smaller of both clocks";
+    EXPECT_EQ(findAge(5h, elsewhere), 0h);
 }
 
 } // namespace

@@ -157,7 +157,8 @@ void WatchTree::HandleAt(WatchNode& node, const WatchQueue::Event& event) noexce
         return Suspect(node);
     if ((event.mask & WayArming::namesMask) == 0)
         return; // something in the folder was given other rights
-    if (node.folder)
+    // The descriptor of a suspect node may be that of a folder that has moved on; its own is looked at anyway.
+    if (node.folder && node.state == WatchNode::State::watched)
         listener.OnChanged(*node.folder);
     if (auto* const child = node.FindChild(event.name))
         Suspect(*child);

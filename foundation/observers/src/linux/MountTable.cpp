@@ -10,6 +10,13 @@
 namespace Tolvex {
 namespace {
 
+/// Reads from a text. Throws for want of memory, which streams otherwise take for the end.
+std::istringstream MakeReader(std::string text) {
+    std::istringstream reader(std::move(text));
+    reader.exceptions(std::ios::badbit);
+    return reader;
+}
+
 /// Blanks and the like are written as a backslash and three octal digits.
 std::string Unescape(std::string_view text) {
     std::string plain;
@@ -72,7 +79,7 @@ MountTable::Mounts MountTable::Read() const {
     while (const auto size = std::fread(part.data(), 1, part.size(), file.get()))
         text.append(part.data(), size);
     Mounts read;
-    std::istringstream lines(text);
+    auto lines = MakeReader(std::move(text));
     for (std::string line; std::getline(lines, line);)
         AddLine(read, line);
     return read;
@@ -84,8 +91,8 @@ void MountTable::AddLine(Mounts& read, std::string_view line) {
     const auto dash = line.find(" - ");
     if (dash == std::string_view::npos)
         return;
-    std::istringstream fields{std::string(line.substr(0, dash))};
-    std::istringstream fieldsBehind{std::string(line.substr(dash + 3))};
+    auto fields = MakeReader(std::string(line.substr(0, dash)));
+    auto fieldsBehind = MakeReader(std::string(line.substr(dash + 3)));
     std::string number, parent, device, root, place, type;
     if (fields >> number >> parent >> device >> root >> place && fieldsBehind >> type)
         read[Unescape(place)] = {std::move(number), GetKindOfType(type)}; // the last one at a place is on top

@@ -19,7 +19,7 @@ public:
     }
 
     [[nodiscard]] std::optional<Way> Follow(const AbsoluteIRI& folder) override {
-        return GetStorages().Follow(ToUtf8(folder.getPath()));
+        return GetStorages().Follow(folder);
     }
 
     [[nodiscard]] ArmResult Arm(ObservedFolder& folder) override {

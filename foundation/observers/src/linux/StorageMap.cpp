@@ -2,23 +2,43 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 namespace Tolvex {
 namespace {
 
 constexpr std::string_view diskScheme = "file";
+constexpr int linkLimit = 40; // as the kernel
 
 bool IsAtOrBelow(std::string_view path, std::string_view folder) {
     return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
-/// Puts the names of a path behind which others are still to go before those.
-void PushNames(const std::filesystem::path& path, std::vector<std::string>& namesToGo) {
-    const auto relative = path.relative_path();
-    const auto before = namesToGo.size();
-    for (const auto& name : relative)
-        namesToGo.push_back(name.native());
-    std::reverse(namesToGo.begin() + static_cast<std::ptrdiff_t>(before), namesToGo.end());
+/// Empty for what is no link.
+std::filesystem::path ReadLink(const std::filesystem::path& path) {
+    std::error_code isNone;
+    return std::filesystem::read_symlink(path, isNone);
+}
+
+/// The path that a path becomes when the first link on its way is put by its target; none without a link.
+std::optional<std::filesystem::path> FollowFirstLink(const std::filesystem::path& path) {
+    std::filesystem::path reached = "/";
+    for (auto name = std::next(path.begin()); name != path.end(); ++name) {
+        if (*name == "..") { // of a folder, since links are followed first
+            reached = reached.parent_path();
+            continue;
+        }
+        auto target = ReadLink(reached / *name);
+        if (target.empty()) {
+            reached /= *name;
+            continue;
+        }
+        auto followed = reached / target; // the target alone when it is absolute
+        for (++name; name != path.end(); ++name)
+            followed /= *name;
+        return followed;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -36,39 +56,19 @@ StorageKind StorageMap::GetKind(std::string_view path) const {
     return isNamed ? StorageKind::remote : mounts.GetKind(path);
 }
 
-std::optional<IFolderWatches::Way> StorageMap::Follow(std::string_view path) const {
+std::optional<IFolderWatches::Way> StorageMap::Follow(const AbsoluteIRI& folder) const {
     if (!isAnyRemote)
         return std::nullopt;
-    IFolderWatches::Way way{GetKind("/"), false};
-    std::vector<std::string> namesToGo; // the next one last
-    PushNames(path, namesToGo);
-    std::filesystem::path reached = "/";
-    int linksLeft = 40; // as the kernel
-    while (!namesToGo.empty() && way.kind != StorageKind::remote) {
-        const auto name = std::move(namesToGo.back());
-        namesToGo.pop_back();
-        if (name == "..")
-            reached = reached.parent_path();
-        if (name.empty() || name == "." || name == "..")
-            continue;
-        const auto next = reached / name;
-        way.kind = GetKind(next.native());
-        std::error_code isNone;
-        const auto target =
-            way.kind == StorageKind::remote ? std::filesystem::path() : std::filesystem::read_symlink(next, isNone);
-        if (target.empty()) {
-            reached = next;
-            continue;
-        }
-        way.hasLinks = true;
-        if (--linksLeft < 0)
+    auto path = std::filesystem::path(ToUtf8(folder.getPath()));
+    IFolderWatches::Way way{GetKind(path.native()), false};
+    // Links that lead in circles lead nowhere.
+    for (int linksLeft = linkLimit; way.kind != StorageKind::remote && linksLeft > 0; --linksLeft) {
+        const auto next = FollowFirstLink(path);
+        if (!next)
             break;
-        if (target.is_absolute())
-            reached = "/";
-        PushNames(target, namesToGo);
+        path = *next;
+        way = {GetKind(path.lexically_normal().native()), true};
     }
-    if (way.kind != StorageKind::remote)
-        way.kind = GetKind(reached.native());
     return way;
 }
 

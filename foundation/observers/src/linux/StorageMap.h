@@ -14,12 +14,12 @@ class StorageMap {
 public:
     explicit StorageMap(const std::vector<AbsoluteIRI>& remoteFolders);
 
-    /// By the text of the path alone.
+    /// By the text of the path alone; links are taken for names.
     [[nodiscard]] StorageKind GetKind(std::string_view path) const;
 
-    /// With the links on the way followed, down to where it meets remote storage. Without a value where no storage is
-    /// remote, hence no way leads there.
-    [[nodiscard]] std::optional<IFolderWatches::Way> Follow(std::string_view path) const;
+    /// With the links on the way followed, until what is left leads to remote storage. Without a value where no storage
+    /// is remote, hence no way leads there.
+    [[nodiscard]] std::optional<IFolderWatches::Way> Follow(const AbsoluteIRI& folder) const;
 
     /// Readable with "priority" when something was attached or detached since the last update.
     [[nodiscard]] int GetNumber() const noexcept { return mounts.GetNumber(); }

@@ -18,9 +18,7 @@ public:
         return GetStorages().GetKind(ToUtf8(folder.getPath()));
     }
 
-    [[nodiscard]] std::optional<Way> Follow(const AbsoluteIRI& folder) override {
-        return GetStorages().Follow(folder);
-    }
+    [[nodiscard]] std::optional<Way> Follow(const AbsoluteIRI& folder) override { return GetStorages().Follow(folder); }
 
     [[nodiscard]] ArmResult Arm(ObservedFolder& folder) override {
         return tree.Arm(folder, ToUtf8(folder.location.getPath()));

@@ -14,14 +14,14 @@ public:
     /// Without a value when the system does not tell.
     [[nodiscard]] static std::optional<std::size_t> GetShare();
 
-    /// All `limit` watches that somebody allowed are taken.
-    void MeetOwnLimit(std::size_t limit) noexcept { *this = WatchShortage(Cause::ownLimit, limit, 0); }
+    /// All watches that somebody allowed are taken, so many.
+    void MeetOwnLimit(std::size_t allowed) noexcept { *this = WatchShortage(Cause::ownLimit, allowed, 0); }
     /// All `share` watches that this process takes by itself are taken.
     void MeetShare(std::size_t share) noexcept { *this = WatchShortage(Cause::share, share, 0); }
-    /// The system refused one more watch, for the reason `error`.
-    void MeetRefusal(int error) noexcept { *this = WatchShortage(Cause::refusal, 0, error); }
-    /// The system refused to make a queue, for the reason `error`.
-    void MissQueue(int error) noexcept { *this = WatchShortage(Cause::noQueue, 0, error); }
+    /// The system refused one more watch, for the reason `number`.
+    void MeetRefusal(int number) noexcept { *this = WatchShortage(Cause::refusal, 0, number); }
+    /// The system refused to make a queue, for the reason `number`.
+    void MissQueue(int number) noexcept { *this = WatchShortage(Cause::noQueue, 0, number); }
 
     /// Empty when no limit was met.
     [[nodiscard]] std::string Describe() const;

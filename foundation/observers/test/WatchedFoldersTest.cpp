@@ -405,7 +405,7 @@ TEST(WatchedFolders, WithoutAWatchAreLookedAtAndTheUserIsTold) {
     const Case cases[] = {{ChangeHandleWarning::always, {true, true, true}},
                           {ChangeHandleWarning::once, {true, false, false}},
                           {ChangeHandleWarning::never, {false, false, false}}};
-    for (const std::size_t limit : {0, 1, 5})
+    for (const std::size_t limit : {0U, 1U, 5U})
         for (const auto& [setting, isTold] : cases) {
             ObservedTree tree({limit, {}});
             tree.factory->setChangeHandleWarning(setting);

@@ -1,5 +1,6 @@
 #include "EventBus.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
 #include <utility>
@@ -27,8 +28,8 @@ private:
 };
 
 ScopedConnection EventBus::Subscribe(const std::shared_ptr<EventBus>& bus, std::type_index type,
-                                     Subscriber::Handler handler) {
-    auto subscriber = std::make_shared<Subscriber>(std::move(handler));
+                                     Subscriber::Handler handler, std::string tag) {
+    auto subscriber = std::make_shared<Subscriber>(std::move(handler), std::move(tag));
     auto subscription = std::make_shared<Subscription>(bus, type, subscriber);
     bus->Replace(type, subscriber, nullptr);
     return ScopedConnection(std::move(subscription));
@@ -74,7 +75,7 @@ void EventBus::Replace(std::type_index type, const std::shared_ptr<Subscriber>& 
         }
     }
     if (added != nullptr)
-        subscribers->push_back(added);
+        subscribers->insert(std::ranges::upper_bound(*subscribers, added, Subscriber::RunsBefore), added);
 
     if (!subscribers->empty())
         subscribersByType.insert_or_assign(type, std::move(subscribers));

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <typeindex>
 #include <unordered_map>
 #include <vector>
@@ -20,7 +21,7 @@ class EventBus {
 public:
     /// The subscription keeps `bus` alive.
     [[nodiscard]] static ScopedConnection Subscribe(const std::shared_ptr<EventBus>& bus, std::type_index type,
-                                                    Subscriber::Handler handler);
+                                                    Subscriber::Handler handler, std::string tag);
 
     /// Calls all handlers of an event on this thread, then rethrows the first exception that one of them threw. The bus
     /// itself is not touched once handlers run: they may drop its last owner.
@@ -32,7 +33,7 @@ private:
     using SubscribersHandle = std::shared_ptr<const Subscribers>;
 
     [[nodiscard]] SubscribersHandle Find(std::type_index type);
-    /// Puts `added` behind the subscribers of `type` and leaves `removed` out; either may be null.
+    /// Puts `added` into its place among the subscribers of `type` and leaves `removed` out; either may be null.
     void Replace(std::type_index type, const std::shared_ptr<Subscriber>& added, const Subscriber* removed);
 
     /// Every type stands for one of 64 bits.

@@ -15,8 +15,8 @@ namespace {
 
 class SynchronousEventMgr : public EventMgr {
 private:
-    ScopedConnection DoSubscribe(std::type_index type, Handler handler) override {
-        return EventBus::Subscribe(bus, type, std::move(handler));
+    ScopedConnection DoSubscribe(std::type_index type, Handler handler, std::string tag) override {
+        return EventBus::Subscribe(bus, type, std::move(handler), std::move(tag));
     }
     void DoPublish(std::type_index type, void* event, Keep* /*keep*/) override { bus->Publish(type, event); }
     void DoPublishNow(std::type_index type, const void* event) override { bus->Publish(type, event); }
@@ -79,8 +79,8 @@ private:
         }
     }
 
-    ScopedConnection DoSubscribe(std::type_index type, Handler handler) override {
-        return EventBus::Subscribe(bus, type, std::move(handler));
+    ScopedConnection DoSubscribe(std::type_index type, Handler handler, std::string tag) override {
+        return EventBus::Subscribe(bus, type, std::move(handler), std::move(tag));
     }
     void DoPublish(std::type_index type, void* event, Keep* keep) override { queue->Append({type, keep(event)}); }
     void DoPublishNow(std::type_index type, const void* event) override { bus->Publish(type, event); }

@@ -41,7 +41,11 @@ private:
 
 constinit thread_local Subscriber::RunningCall* Subscriber::RunningCall::innermost = nullptr;
 
-Subscriber::Subscriber(Handler called) : handler(std::move(called)) {}
+Subscriber::Subscriber(Handler called, std::string under) : handler(std::move(called)), tag(std::move(under)) {}
+
+bool Subscriber::RunsBefore(const std::shared_ptr<Subscriber>& a, const std::shared_ptr<Subscriber>& b) {
+    return a->tag.empty() != b->tag.empty() ? b->tag.empty() : a->tag < b->tag;
+}
 
 void Subscriber::Call(const void* event) {
     const RunningCall call(*this);

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
+#include <string>
 
 namespace Tolvex {
 
@@ -10,7 +12,11 @@ class Subscriber {
 public:
     using Handler = std::function<void(const void*)>;
 
-    explicit Subscriber(Handler handler);
+    /// Without a tag when `tag` is empty.
+    Subscriber(Handler handler, std::string tag);
+
+    /// By tag; who has none runs last.
+    [[nodiscard]] static bool RunsBefore(const std::shared_ptr<Subscriber>& a, const std::shared_ptr<Subscriber>& b);
 
     /// Runs the handler, unless it is cut off. Passes on what the handler throws.
     void Call(const void* event);
@@ -25,6 +31,7 @@ private:
     static constexpr unsigned cutOff = 1U << 31U;
 
     const Handler handler;
+    const std::string tag;
     std::atomic<unsigned> state{0}; // the number of running calls, and `cutOff`
 };
 

@@ -225,5 +225,23 @@ TEST(EventMgr, NeverCopiesAnEvent) {
     EXPECT_EQ(copies, 0);
 }
 
+TEST(EventMgrTags, HandlersUnderATagRunFirst) {
+    const auto manager = createEventMgr();
+    Calls calls;
+    const auto subscribe = [&](const char* name, const char* tag) {
+        return manager->Subscribe<Event>([&calls, name](const Event&) { calls.emplace_back(name); }, tag);
+    };
+    const auto plain = subscribe("plain", "");
+    const auto second = subscribe("second", "Level2");
+    auto first = subscribe("first", "Level1");
+    const auto later = subscribe("later", "Level1");
+    const auto last = subscribe("last", "");
+    manager->PublishNow(Event());
+    EXPECT_EQ(std::exchange(calls, {}), (Calls{"first", "later", "second", "plain", "last"}));
+    first = subscribe("again", "Level1");
+    manager->PublishNow(Event());
+    EXPECT_EQ(calls, (Calls{"later", "again", "second", "plain", "last"}));
+}
+
 } // namespace
 } // namespace Tolvex

@@ -1,4 +1,5 @@
 #include "PackageWorld.h"
+#include "PathWorld.h"
 
 #include "packages/PackagePathUpdate.h"
 #include "path_interfaces/PathAlterationExceptions.h"
@@ -26,10 +27,15 @@ Tolvex::CanonicalAbsoluteIRI At(const std::string& path) {
 /// Takes every list of folders as it is.
 class CompliantManager final : public IMainSearchPathManager {
 public:
-    explicit CompliantManager(const Texts& path) {
+    explicit CompliantManager(const Texts& texts) {
         IRIs locations;
-        std::ranges::transform(path, std::back_inserter(locations), At);
+        PathEntryVector entries;
+        for (const std::string& text : texts) {
+            locations.push_back(At(text));
+            entries.push_back(world.factory.CreatePathEntry(At(text), world.monitor));
+        }
         folders = std::make_shared<const IRIs>(std::move(locations));
+        path = world.PathOf(entries);
     }
 
     [[nodiscard]] Texts GetFolders() const {
@@ -42,6 +48,7 @@ public:
     int installations = 0;
 
     [[nodiscard]] std::shared_ptr<const IRIs> GetPathIRIs() const override { return folders; }
+    [[nodiscard]] std::shared_ptr<const IPath> GetPath() const override { return path; }
     void SetPathEntries(const CanonicalIRIRange& range, Tolvex::Notification&) override {
         folders = std::make_shared<const IRIs>(range.begin(), range.end());
         ++installations;
@@ -50,7 +57,6 @@ public:
     // None of the following is anything that an update may ask for.
     [[nodiscard]] std::shared_ptr<const IPath> GetMonitoredPath() const override { throw std::logic_error("unasked"); }
     [[nodiscard]] std::shared_ptr<const IPath> GetSecondaryPath() const override { throw std::logic_error("unasked"); }
-    [[nodiscard]] std::shared_ptr<const IPath> GetPath() const override { throw std::logic_error("unasked"); }
     [[nodiscard]] IFolderMonitor& GetFolderMonitor() const override { throw std::logic_error("unasked"); }
     [[nodiscard]] std::shared_ptr<void> PushMutabilityPolicy(PathManagerMutabilityPolicy) override { return nullptr; }
     [[nodiscard]] std::optional<ComponentIdentifier> GetCurrentFolderComponent() const override { return {}; }
@@ -64,7 +70,9 @@ public:
     void RebuildPath() override {}
 
 private:
+    PathWorld world{std::vector<std::string>{}}; // where no folder is, each gives an empty entry
     std::shared_ptr<const IRIs> folders;
+    std::shared_ptr<const IPath> path;
 };
 
 /// Another registry that denies some packages and counts what it is asked.

@@ -175,26 +175,20 @@ void PackagePathUpdate::AssembleNewPath() {
         std::ranges::stable_partition(packages, [](const Record& package) { return BelongsInFront(*package); }).begin();
     PlaceInFront({packages.begin(), behind});
     PlaceBehind({behind, packages.end()});
-    for (const Folder& folder : newPath)
-        foldersThatLeft.erase(folder);
 }
 
 /// What stays of the manager's path, updated packages in their old places.
 void PackagePathUpdate::TakeOverPath(PendingPackages& pending) {
     const auto path = manager.GetPathIRIs();
     for (const Folder& folder : *path) {
-        if (foldersLeavingPath.contains(folder)) {
-            foldersThatLeft.insert(folder);
+        if (foldersLeavingPath.contains(folder))
             continue;
-        }
         if (const auto owner = registryBefore.FindPackageOfFolder(folder))
             RecordVersionBehind(*owner);
-        if (const Record package = pending.Take(folder)) {
+        if (const Record package = pending.Take(folder))
             std::ranges::copy(GetFolders(package->identifier), std::back_inserter(newPath));
-            foldersThatLeft.insert(folder);
-        } else {
+        else
             newPath.push_back(folder);
-        }
     }
 }
 
@@ -239,6 +233,7 @@ void PackagePathUpdate::RecordVersionBehind(const Identifier& package) {
 }
 
 void PackagePathUpdate::ReportRemovedMemberFolders() {
+    settledFolders.insert(newPath.begin(), newPath.end());
     for (const Records* packages : {&removed, &added})
         for (const Record& package : *packages)
             std::ranges::for_each(package->memberFolders, [this](const Folder& folder) { ReportIfRemoved(folder); });
@@ -252,9 +247,9 @@ void PackagePathUpdate::ReportRemovedMemberFolders() {
     }
 }
 
-/// Once for each folder, and only when a package owns it now.
+/// Once for each folder that was on the installed path, and only when a package owns it now.
 void PackagePathUpdate::ReportIfRemoved(const Folder& folder) {
-    if (foldersThatLeft.erase(folder) == 0)
+    if (!settledFolders.insert(folder).second || !manager.GetPath()->GetPathEntryFromAbsoluteIRI(folder))
         return;
     const auto owner = registryAfter.FindPackageOfFolder(folder);
     const Record package = owner ? registryAfter.FindPackage(*owner) : nullptr;

@@ -67,7 +67,7 @@ private:
     Versions versionsOnPath; // by package: every version on the new path, in path order
     std::deque<Folder> newPath;
     Tolvex::Notification report;
-    Folders foldersThatLeft; // of the manager's path, those that the new one does not hold
+    Folders settledFolders; // on the new path, or looked at for a report already
 };
 
 } // namespace PathManagement

@@ -16,7 +16,8 @@ PackagesOnPathCoordinator::PackagesOnPathCoordinator(Tolvex::EventMgr& eventMana
           [&manager, callback = std::move(reportCallback)](const PackageRegistryHasBeenChanged& event) {
               const Tolvex::DiagnosticScope scope;
               PackagePathUpdate(manager, callback, event.GetChanges()).Run();
-          })) {}
+          },
+          "Level1")) {}
 
 void InstallPackagesOnPathCoordinator(Tolvex::EventMgr& eventManager, IMainSearchPathManager& manager,
                                       std::function<void(const Tolvex::Notification&)>&& reportCallback) {

@@ -16,17 +16,20 @@ namespace Tolvex {
 /// An event bus: events are plain types, handlers subscribe to one type. Safe from any thread; no lock is held while a
 /// handler runs, so handlers may publish, subscribe and unsubscribe.
 ///
-/// Handlers run on the publishing thread in the order in which they subscribed. A handler that subscribed during a
+/// Handlers run on the publishing thread: those that subscribed under a tag first, in the order of their tags, then the
+/// others, each in the order in which they subscribed. A handler that subscribed during a
 /// publication sees the next one. When handlers throw, the others still run; then the first exception is rethrown.
 class KX_EXPORT EventMgr {
 public:
     virtual ~EventMgr();
 
+    /// `tag` is for handlers on whose work others build, such as "Level1"; without one a handler runs behind those.
     template <class Event>
-    [[nodiscard]] ScopedConnection Subscribe(std::function<void(const Event&)> handler) {
-        return DoSubscribe(typeid(Event), [handler = std::move(handler)](const void* event) {
-            handler(*static_cast<const Event*>(event));
-        });
+    [[nodiscard]] ScopedConnection Subscribe(std::function<void(const Event&)> handler, std::string tag = {}) {
+        return DoSubscribe(
+            typeid(Event),
+            [handler = std::move(handler)](const void* event) { handler(*static_cast<const Event*>(event)); },
+            std::move(tag));
     }
 
     /// Publishes in this manager's own way: at once, or, on a local manager, when it is told to deliver.
@@ -51,7 +54,7 @@ protected:
     EventMgr() = default;
 
 private:
-    virtual ScopedConnection DoSubscribe(std::type_index type, Handler handler) = 0;
+    virtual ScopedConnection DoSubscribe(std::type_index type, Handler handler, std::string tag) = 0;
     virtual void DoPublish(std::type_index type, void* event, Keep* keep) = 0;
     virtual void DoPublishNow(std::type_index type, const void* event) = 0;
 };

@@ -70,6 +70,10 @@ constexpr auto catalogue = std::to_array<Text>({
     {path, "invalidLocation", 1, "'{0}' is not the name of a folder. Give a folder's path."},
 
     // Built-in functions.
+    {"TOLVEX:arguments", "maxlhs", 0, "Too many outputs. Ask for fewer."},
+    {"TOLVEX:arguments", "maxrhs", 0, "Too many inputs. Give fewer."},
+    {"TOLVEX:arguments", "minrhs", 0, "Not enough inputs. Give those that the function needs."},
+    {"TOLVEX:arguments", "unknownFunction", 1, "There is no built-in function '{0}'. Check how the name is spelled."},
     {"TOLVEX:RemotePolicy", "UnknownPolicy", 0,
      "Unknown policy for remote folders. Use 'Reload', 'TimecheckDir', 'None' or 'Status'."},
     {"TOLVEX:ChangeHandleWarning", "notEnoughInputs", 0,
@@ -80,6 +84,16 @@ constexpr auto catalogue = std::to_array<Text>({
     {"TOLVEX:CachePath", "FailedToSave", 1, // what could not be saved
      "The path cache could not be saved: '{0}'. Check that it may be written there; until then folders are read anew "
      "at each start."},
+    {"TOLVEX:CachePath", "FailedToLoad", 2, // the file, why
+     "The path cache '{0}' could not be loaded; folders are read from the disk instead. Write it again. Reason: {1}"},
+    {"TOLVEX:CachePath", "InvalidOption", 0, "Unknown option. Use 'status', 'write', 'load' or 'drop'."},
+    {"TOLVEX:CachePath", "InvalidFile", 0, "The name of the path cache must be a text that can name a file."},
+    {"TOLVEX:CachePath", "NoCacheFolder", 0,
+     "There is no folder for the path cache outside the installation. Set XDG_CACHE_HOME to one, or name a file."},
+    {path, "noParentFolder", 1, "'{0}' lies in no folder, so it cannot name a file. Give the location of a file."},
+    {path, "invalidInstallationPoint", 0,
+     "The point after which packages are listed must be a whole number from 0 on: a number that is exact, or its "
+     "digits as text."},
 });
 
 const Text* Find(const MessageIdentifier& message) {

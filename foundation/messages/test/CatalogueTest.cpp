@@ -45,6 +45,16 @@ const std::vector<Contract>& GetContracts() {
         {"TOLVEX:ChangeHandleWarning", "InvalidOption", 0},
         {"TOLVEX:string", "MustBeStringScalarOrCharacterVector", 0},
         {"TOLVEX:CachePath", "FailedToSave", 1},
+        {"TOLVEX:CachePath", "FailedToLoad", 2},
+        {"TOLVEX:CachePath", "InvalidOption", 0},
+        {"TOLVEX:CachePath", "InvalidFile", 0},
+        {"TOLVEX:CachePath", "NoCacheFolder", 0},
+        {"TOLVEX:arguments", "maxlhs", 0},
+        {"TOLVEX:arguments", "maxrhs", 0},
+        {"TOLVEX:arguments", "minrhs", 0},
+        {"TOLVEX:arguments", "unknownFunction", 1},
+        {path, "noParentFolder", 1},
+        {path, "invalidInstallationPoint", 0},
     };
     return contracts;
 }

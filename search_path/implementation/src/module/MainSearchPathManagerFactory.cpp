@@ -5,6 +5,7 @@
 #include "foundation/components/ComponentFeature.h"
 #include "foundation/environment/Installation.h"
 #include "main_manager/MainSearchPathManager.h"
+#include "module/PresentManager.h"
 #include "path_utilities/PathText.h"
 #include "search_path/Accessors.h"
 
@@ -24,6 +25,7 @@ void InstallFolderMonitor(TolvexPackages::IPackageRegistrar& registrar, const IP
 std::unique_ptr<IMainSearchPathManager>
 CreateMainSearchPathManager(const boost::shared_ptr<Tolvex::EventMgr>& eventManager,
                             TolvexComponents::IModularPackageRegistry& packageRegistry) {
+    PresentManager::Forget(); // it loses its folder monitor
     TolvexPackages::IPackageRegistrar& registrar = TolvexPackages::GetPackageRegistrar();
     const IPathFactory& pathFactory = GetCurrentPathFactory();
     InstallFolderMonitor(registrar, pathFactory);
@@ -34,9 +36,11 @@ CreateMainSearchPathManager(const boost::shared_ptr<Tolvex::EventMgr>& eventMana
     using EnableModularPackages = MainSearchPathManager::EnableModularPackages;
     const auto modularPackages =
         TolvexComponents::ComponentFeature::IsOn() ? EnableModularPackages::yes : EnableModularPackages::no;
-    return std::make_unique<MainSearchPathManager>(
+    auto manager = std::make_unique<MainSearchPathManager>(
         eventManager, packageRegistry, pathEntryFactory, pathFactory, std::move(currentFolderPathManagers),
         CurrentFolderPolicy::trackWorkingFolder, folderMonitor, modularPackages);
+    PresentManager::Set(*manager, *eventManager);
+    return manager;
 }
 
 } // namespace PathManagement

@@ -37,7 +37,8 @@ std::string GetText(const TolvexComponents::ComponentIdentifier& component) {
     return Tolvex::ToUtf8(component.GetName() + u'@' + component.GetVersion().toString());
 }
 
-/// What a factory does not know of an entry, one of others or one that lies below a main entry, the monitor decides.
+/// Of an entry of others, and of one that a newer entry of its folder has replaced, the factory knows nothing; how
+/// closely its folder is to be watched, the monitor says.
 PathEntryState FindState(const IPathEntry& entry, const IMainSearchPathManager& manager,
                          const IPathEntryFactory& factory) {
     PathEntryState state = factory.GetEntryState(entry);
@@ -49,9 +50,9 @@ PathEntryState FindState(const IPathEntry& entry, const IMainSearchPathManager& 
 void DumpEntry(std::ostream& out, const IPathEntry& entry, const PathEntryState& state) {
     const bool isMain = entry.GetPathEntryType() == PathEntryType::mainFolder;
     out << (isMain ? "  " : "    ") << std::left << std::setw(isMain ? 12 : 10)
-        << GetName(typeNames, entry.GetPathEntryType()) << std::setw(12)
-        << (isMain ? GetName(sourceNames, state.source) : "-") << std::setw(14) << GetName(levelNames, state.level)
-        << std::setw(13) << (entry.IsOutOfDate() ? "out of date" : "up to date") << std::right << std::setw(7)
+        << GetName(typeNames, entry.GetPathEntryType()) << std::setw(12) << GetName(sourceNames, state.source)
+        << std::setw(14) << GetName(levelNames, state.level) << std::setw(13)
+        << (entry.IsOutOfDate() ? "out of date" : "up to date") << std::right << std::setw(7)
         << entry.GetPathItems()->size() << "  " << GetText(entry.GetIRI()) << '\n';
 }
 

@@ -321,6 +321,8 @@ TEST_F(InstallationTest, TheCacheIsWrittenLoadedAndDropped) {
     EXPECT_EQ(Call("FeatureCachePath", "Drop"), '\'' + own + '\'');
     EXPECT_EQ(Call("FeatureCachePath", "drop"), "'none'");
     entry.reset();
+    Call("FeatureCachePath", List(Text("load"), Text("own.xml")));
+    Call("FeatureCachePath", "drop");
     EXPECT_EQ(GetSource(*MakeEntry("toolbox")), PathEntrySource::disk);
 }
 
@@ -357,7 +359,8 @@ TEST_F(InstallationTest, TheDumpTellsOfEveryEntry) {
     host.Write("main/+pack/@kind/k.kx");
     auto manager = host.CreateManager();
     host.Set(*manager, {"main"});
-    const auto expectLine = [dump = Call("FeatureDumpMainSearchPath", List(), 0)](const std::string& pattern) {
+    std::string dump = Call("FeatureDumpMainSearchPath", List(), 0);
+    const auto expectLine = [&dump](const std::string& pattern) {
         EXPECT_TRUE(std::regex_search(dump, std::regex("(^|\n)" + pattern + "\n"))) << pattern << "\n" << dump;
     };
     expectLine("'?search path: 2 main folders, 1 set by the user");
@@ -365,15 +368,20 @@ TEST_F(InstallationTest, TheDumpTellsOfEveryEntry) {
     const std::string state = " +(up to|out of) date +";
     const std::string watched = "(time check|notification)";
     expectLine("  main +disk +" + watched + state + "2  " + host.At("main").native());
-    expectLine("    package +- +" + watched + state + "1  " + host.At("main").native() + "/\\+pack");
-    expectLine("    method +- +" + watched + state + "1  " + host.At("main").native() + "/\\+pack/@kind");
-    expectLine("  main +[a-z]+ +" + watched + state + "0  " + host.At("current").native());
+    expectLine("    package +disk +" + watched + state + "1  " + host.At("main").native() + "/\\+pack");
+    expectLine("    method +disk +" + watched + state + "1  " + host.At("main").native() + "/\\+pack/@kind");
+    expectLine("  main +disk +" + watched + state + "0  " + host.At("current").native());
     expectLine("current folder: " + host.At("current").native());
     expectLine("working folder: " + host.At("current").native());
     expectLine("installation folder: " + GetTree().GetRoot().native());
     expectLine("packages on the path: none");
     expectLine("remote path policy: (Reload|TimecheckDir|None)");
     expectLine("entries built: [1-9][0-9]*");
+
+    host.Write("main/new.kx");
+    const auto newer = GetPathEntryFactory().CreatePathEntry(host.Locate("main"), GetFolderMonitor());
+    dump = Call("FeatureDumpMainSearchPath", List());
+    expectLine("  main +unknown +" + watched + " +out of date +2  " + host.At("main").native());
 
     const auto second = host.CreateManager();
     manager.reset();

@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <utility>
 
@@ -23,6 +24,8 @@ using PathManagement::PathEntryVector;
 using Tolvex::AbsoluteIRI;
 
 namespace {
+
+constexpr const char* pathVariable = "TOLVEXPATH";
 
 /// Declares an option that may be repeated; `take` gets each value when it is met, so that the order of different
 /// options is kept.
@@ -38,16 +41,13 @@ void DeclareRepeated(CLI::App& arguments, const char* name, const char* descript
         ->trigger_on_parse();
 }
 
-void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::string& fileName) {
-    LineReader lines{InputFile(fileName)};
-    while (const auto line = lines.Next())
-        if (!line->empty())
-            locations.push_back(MakeLocation(*line));
+bool IsFolderLine(std::string_view line) {
+    const std::size_t start = line.find_first_not_of(" \t\r");
+    return start != std::string_view::npos && line[start] != '#';
 }
 
-} // namespace
-
-AbsoluteIRI MakeLocation(std::string_view folder) {
+/// `base` is asked for when the first relative name comes, so that a list of absolute names needs no working folder.
+AbsoluteIRI MakeLocationBelow(std::string_view folder, const std::function<AbsoluteIRI()>& base) {
     if (folder.empty())
         throw UsageError("a folder's name is empty");
     if (folder.find('\0') != std::string_view::npos)
@@ -55,14 +55,53 @@ AbsoluteIRI MakeLocation(std::string_view folder) {
     const Tolvex::ustring path = Tolvex::FromUtf8(folder);
     if (path.front() == u'/')
         return AbsoluteIRI("file", path);
-    return AbsoluteIRI("file", Tolvex::ustring(Tolvex::GetCurrentWorkingFolder().get().getPath()) + u'/' + path);
+    return AbsoluteIRI("file", Tolvex::ustring(base().getPath()) + u'/' + path);
+}
+
+AbsoluteIRI GetWorkingFolder() {
+    return Tolvex::GetCurrentWorkingFolder().get();
+}
+
+/// The folder that a file lies in, as the file's name spells it.
+AbsoluteIRI GetFolderOfFile(const std::string& fileName) {
+    return MakeLocation(fileName.substr(0, fileName.rfind('/') + 1) + ".");
+}
+
+void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::string& fileName) {
+    InputFile file(fileName);
+    const bool hasOwnFolder = file.IsOnDisk() && !fileName.starts_with("/dev/"); // there: another name of a file
+    const auto base = [&] { return hasOwnFolder ? GetFolderOfFile(fileName) : GetWorkingFolder(); };
+    LineReader lines(std::move(file));
+    while (const auto line = lines.Next())
+        if (IsFolderLine(*line))
+            locations.push_back(MakeLocationBelow(*line, base));
+}
+
+void AppendDefaultLocations(std::vector<AbsoluteIRI>& locations) {
+    const char* const value = std::getenv(pathVariable);
+    std::string_view rest = value == nullptr ? "" : value;
+    while (!rest.empty()) {
+        const std::string_view folder = rest.substr(0, rest.find(':'));
+        if (!folder.empty())
+            locations.push_back(MakeLocation(folder));
+        rest.remove_prefix(std::min(folder.size() + 1, rest.size()));
+    }
+}
+
+} // namespace
+
+AbsoluteIRI MakeLocation(std::string_view folder) {
+    return MakeLocationBelow(folder, GetWorkingFolder);
 }
 
 void FolderArguments::DeclareOptions(CLI::App& arguments) {
-    DeclareRepeated(arguments, "-p,--path", "A folder of the path; repeat it for more, in path order", "FOLDER",
-                    [this](std::string folder) { AddFolder(std::move(folder)); });
-    DeclareRepeated(arguments, "--path-file", "A list of folders, one a line; '-' is the standard input", "FILE",
-                    [this](std::string fileName) { AddListFile(std::move(fileName)); });
+    DeclareRepeated(arguments, "-p,--path",
+                    "A folder of the path; repeat it for more, in path order [the folders in TOLVEXPATH, ':' between]",
+                    "FOLDER", [this](std::string folder) { AddFolder(std::move(folder)); });
+    DeclareRepeated(arguments, "--path-file",
+                    "A list of folders, one a line, relative to the list's own folder; lines that start with '#' are "
+                    "comments; '-' is the standard input",
+                    "FILE", [this](std::string fileName) { AddListFile(std::move(fileName)); });
 }
 
 void FolderArguments::AddFolder(std::string folder) {
@@ -86,8 +125,12 @@ std::vector<AbsoluteIRI> FolderArguments::GetLocations() const {
         else
             locations.push_back(MakeLocation(source.text));
     }
+    if (sources.empty())
+        AppendDefaultLocations(locations);
     if (locations.empty())
-        throw UsageError("no folder is named");
+        throw UsageError(sources.empty()
+                             ? fmt::format("no folder is named; give -p or --path-file, or set {}", pathVariable)
+                             : "no folder is named");
     return locations;
 }
 

@@ -15,7 +15,8 @@ class Notification;
 
 namespace TolvexPath {
 
-/// The folders that a command line names, in the order in which it names them.
+/// The folders that a command line names, in the order in which it names them; those of the environment variable
+/// TOLVEXPATH, with ":" between them, when it names none.
 class FolderArguments {
 public:
     /// Declares -p/--path and --path-file, which fill this object; it has to stay where it is.
@@ -23,7 +24,9 @@ public:
 
     /// `folder` as bytes, absolute or relative to the working folder.
     void AddFolder(std::string folder);
-    /// A file of such folders, one a line; "-" is the standard input. Read when the locations are asked for.
+    /// A file of folders, one a line; "-" is the standard input. Relative names start from the file's own folder, or
+    /// from the working folder when the list comes from elsewhere than the disk. Blank lines, and lines whose first
+    /// character that is no blank is a "#", are passed over. Read when the locations are asked for.
     void AddListFile(std::string fileName);
 
     [[nodiscard]] bool ReadsStandardInput() const noexcept;

@@ -18,6 +18,9 @@ public:
     /// Reads what is there, waiting only when nothing is; 0 at the end. Throws std::system_error.
     [[nodiscard]] std::size_t Read(std::span<char> target);
 
+    /// True for an ordinary file that was opened by its name; false for the standard input, pipes and devices.
+    [[nodiscard]] bool IsOnDisk() const noexcept;
+
     /// The file's name as messages give it.
     [[nodiscard]] const std::string& GetDisplayName() const noexcept { return displayName; }
 

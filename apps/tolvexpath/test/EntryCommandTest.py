@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from program import FAILURE, FOUND, NOT_FOUND, FolderTest, run
+from program import FAILURE, FOUND, NOT_FOUND, PROGRAM, FolderTest, run
 
 
 class EntryCommandTest(FolderTest):
@@ -69,7 +69,7 @@ class EntryCommandTest(FolderTest):
         with open("/dev/full", "wb") as full:
             for arguments in (["entry", "/"], ["find", "x", "-p", "/", "--json"]):
                 self.assertEqual(FAILURE, os.waitstatus_to_exitcode(os.waitpid(os.posix_spawn(
-                    os.environ["TOLVEXPATH"], ["tolvexpath", *arguments], os.environ,
+                    PROGRAM, ["tolvexpath", *arguments], os.environ,
                     file_actions=[(os.POSIX_SPAWN_DUP2, full.fileno(), 1), (os.POSIX_SPAWN_OPEN, 2, "/dev/null", 1, 0)]),
                     0)[1]))
 

@@ -4,6 +4,7 @@ TOLVEXPATH_MODEL=large takes ten times as many files."""
 import json
 import os
 import random
+import shutil
 import socket
 import subprocess
 import sys
@@ -73,11 +74,12 @@ class ModelTest(FolderTest):
         preset, queries = ("medium", "100000") if LARGE else ("small", "10000")
         subprocess.run([sys.executable, os.environ["GEN_TREE"], "--out", out, "--preset", preset, "--queries", queries],
                        check=True, stdout=subprocess.DEVNULL)
+        shutil.copy(out + "/path.txt", out + "/tree/")
         tree, usual = out + "/tree", {"extensions": CODE_EXTENSIONS, "policy": IGNORE_CASE, "scope": [MAIN]}
         for subject in ("front", "back", "absent", "hits"):
             with open(f"{out}/queries/{subject}.txt", encoding="utf-8") as lines:
                 expected = [line.rstrip("\n").split("\t") for line in lines]
-            answers = ask([{"name": stem, **usual} for stem, _ in expected], "--path-file", out + "/path.txt", cwd=tree)
+            answers = ask([{"name": stem, **usual} for stem, _ in expected], "--path-file", tree + "/path.txt")
             for (stem, file), answer in zip(expected, answers, strict=True):
                 self.assertEqual([] if file == "-" else [f"{tree}/{file}"], [found["file"] for found in answer], stem)
         with open(out + "/path.txt", encoding="utf-8") as lines:

@@ -6,7 +6,8 @@ import subprocess
 import tempfile
 import unittest
 
-PROGRAM = os.environ["TOLVEXPATH"]
+PROGRAM = os.environ["TOLVEXPATH_PROGRAM"]
+os.environ.pop("TOLVEXPATH", None)  # the default path of whoever runs the tests
 FOUND, NOT_FOUND, FAILURE = 0, 1, 2
 
 

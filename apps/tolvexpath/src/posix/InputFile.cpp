@@ -1,6 +1,7 @@
 #include "InputFile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -35,6 +36,11 @@ InputFile::InputFile(InputFile&& other) noexcept
 InputFile::~InputFile() {
     if (descriptor != STDIN_FILENO)
         ::close(descriptor);
+}
+
+bool InputFile::IsOnDisk() const noexcept {
+    struct stat status {};
+    return descriptor != STDIN_FILENO && ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 std::size_t InputFile::Read(std::span<char> target) {

@@ -6,6 +6,7 @@ std::vector<std::unique_ptr<ICommand>> CreateCommands() {
     std::vector<std::unique_ptr<ICommand>> commands;
     commands.push_back(CreateEntryCommand());
     commands.push_back(CreateFindCommand());
+    commands.push_back(CreatePathCommand());
     commands.push_back(CreateCacheCommand());
     return commands;
 }

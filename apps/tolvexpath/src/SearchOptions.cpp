@@ -1,5 +1,6 @@
 #include "SearchOptions.h"
 
+#include "KindNames.h"
 #include "UsageError.h"
 
 #include "foundation/environment/CodeFiles.h"
@@ -16,7 +17,6 @@
 namespace TolvexPath {
 
 using PathManagement::FilenameMatchingPolicy;
-using PathManagement::PathEntryType;
 using PathManagement::SearchScope;
 
 namespace {
@@ -28,15 +28,6 @@ constexpr std::array<Named<FilenameMatchingPolicy>, 3> policies = {{
     {"exact", FilenameMatchingPolicy::exact},
     {"ignore-case", FilenameMatchingPolicy::ignoreCase},
     {"native", FilenameMatchingPolicy::native},
-}};
-
-constexpr std::array<Named<PathEntryType>, PathManagement::pathEntryTypeCount> kinds = {{
-    {"main", PathEntryType::mainFolder},
-    {"package", PathEntryType::packageFolder},
-    {"method", PathEntryType::methodFolder},
-    {"private", PathEntryType::privateFolder},
-    {"udd", PathEntryType::uddClassFolder},
-    {"resources", PathEntryType::resourcesFolder},
 }};
 
 template <typename Value, std::size_t count>
@@ -76,7 +67,7 @@ SearchScope ReadScope(std::string_view text) {
         return SearchScope::All();
     SearchScope scope;
     for (const std::string_view part : SplitAtCommas(text))
-        scope.Add(Choose(kinds, part, "--scope"));
+        scope.Add(Choose(kindNames, part, "--scope"));
     return scope;
 }
 

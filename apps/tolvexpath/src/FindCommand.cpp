@@ -1,6 +1,7 @@
 #include "CacheArguments.h"
 #include "Commands.h"
 #include "Conversation.h"
+#include "ExplanationReport.h"
 #include "Finder.h"
 #include "FolderArguments.h"
 #include "FoundFiles.h"
@@ -38,8 +39,14 @@ policy: 0 exact, 1 ignore case, 2 native; scope: 0 main, 1 package, 2 method,
 the other options say. Blank lines are passed over. Answers come as soon as no
 further question waits.
 
+--explain lists every file on the path that bears the name, but for case, extension
+and kind of folder, in the order in which a search meets it, with its folder's place
+on the path and why it wins or loses. Where nothing answers it also looks into the
+ordinary folders below the path, at most 10,000 of them.
+
 Examples:
   tolvexpath find area -p geometry -p statistics
+  tolvexpath find area --path-file path.txt --explain
   tolvexpath find area -p geometry -p statistics --all --scope all
   tolvexpath find +shapes/area --path-file path.txt --json
   tolvexpath find --queries - -p geometry <questions.jsonl
@@ -69,6 +76,7 @@ private:
     std::optional<std::string> queries; // a file's name
     bool asJson = false;
     bool endWithZero = false;
+    bool explain = false;
 };
 
 void FindCommand::DeclareArguments(CLI::App& arguments) {
@@ -76,7 +84,7 @@ void FindCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
     cache.DeclareOptions(arguments);
     search.DeclareOptions(arguments);
-    CLI::Option* const json = arguments.add_flag("--json", asJson, "Write a JSON array");
+    CLI::Option* const json = arguments.add_flag("--json", asJson, "Write a JSON array, or with --explain an object");
     CLI::Option* const zero =
         arguments.add_flag("-0,--print0", endWithZero, "End each path with a zero byte instead of a line feed")
             ->excludes(json);
@@ -84,6 +92,10 @@ void FindCommand::DeclareArguments(CLI::App& arguments) {
         ->type_name("FILE")
         ->excludes(nameOption)
         ->excludes(zero);
+    arguments.add_flag("--explain", explain, "Say of every file of that name why it is found or not")
+        ->needs(nameOption)
+        ->excludes(zero)
+        ->excludes(arguments.get_option("--all"));
     arguments.footer(help);
 }
 
@@ -113,6 +125,8 @@ ExitCode FindCommand::FindName(Output& output) const {
     const Finder finder = MakeFinder();
     Question question;
     question.name = Tolvex::FromUtf8(*name);
+    if (explain)
+        return ReportExplanation(finder, question, output, asJson);
     const std::vector<FoundItem> files = finder.Answer(question);
     Write(output, files);
     if (!files.empty())

@@ -27,20 +27,25 @@ Question InEveryKindOfFolder(Question question) {
     return question;
 }
 
-/// A name given with its extension; a file's own dots behind its folder names.
-Question WithoutExtension(Question question) {
-    const std::size_t start = question.name.find_last_of(PathManagement::Constants::PathnameSeparatorStr) + 1;
-    const auto parts = PathManagement::SplitFileName(ustring_view(question.name).substr(start));
-    question.name.resize(question.name.size() - parts.extension.size());
-    return question;
-}
-
 } // namespace
+
+WantedName SplitWantedName(ustring_view name) noexcept {
+    const std::size_t separator = name.find_last_of(PathManagement::Constants::PathnameSeparatorStr);
+    if (separator == ustring_view::npos || separator == 0)
+        return {{}, name};
+    return {name.substr(0, separator), name.substr(separator + 1)};
+}
 
 SearchScope GetUsualScope(ustring_view name) {
     const std::size_t separator = name.find_first_of(PathManagement::Constants::PathnameSeparatorStr);
     const bool isPartialPathname = separator != ustring_view::npos && separator > 0;
     return isPartialPathname ? SearchScope::All() : SearchScope{PathEntryType::mainFolder};
+}
+
+Question WithoutExtension(Question question) {
+    const auto parts = PathManagement::SplitFileName(SplitWantedName(question.name).stem);
+    question.name.resize(question.name.size() - parts.extension.size());
+    return question;
 }
 
 std::vector<FoundItem> Finder::Answer(const Question& question) const {
@@ -54,6 +59,18 @@ std::vector<FoundItem> Finder::Answer(const Question& question) const {
     if (auto first = path->FindFirstInScope(scope, target, policy))
         found.push_back(std::move(*first));
     return found;
+}
+
+Question Finder::Complete(Question question) const {
+    if (!question.extensions)
+        question.extensions = defaults.extensions;
+    if (!question.policy)
+        question.policy = defaults.policy;
+    if (!question.scope)
+        question.scope = defaults.scope.value_or(GetUsualScope(question.name));
+    if (!question.all)
+        question.all = defaults.all;
+    return question;
 }
 
 std::string Finder::ExplainMiss(const Question& question) const {

@@ -19,6 +19,11 @@ public:
     /// The files that answer, in path order; at most one unless all are asked for.
     [[nodiscard]] std::vector<PathManagement::FoundItem> Answer(const Question& question) const;
 
+    /// The question with the defaults in the places that it leaves open.
+    [[nodiscard]] Question Complete(Question question) const;
+
+    [[nodiscard]] const PathManagement::IPath& GetPath() const noexcept { return *path; }
+
     /// For a question without an answer: the nearest thing that would have had one, in words ("'/a/Area.kx' differs in
     /// case"); empty when there is none.
     [[nodiscard]] std::string ExplainMiss(const Question& question) const;
@@ -27,5 +32,8 @@ private:
     std::shared_ptr<const PathManagement::IPath> path;
     SearchDefaults defaults;
 };
+
+/// The question for a name given with its extension; a file's own dots behind its folder names.
+[[nodiscard]] Question WithoutExtension(Question question);
 
 } // namespace TolvexPath

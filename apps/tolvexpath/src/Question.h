@@ -27,6 +27,14 @@ struct Question {
     std::optional<bool> all;
 };
 
+/// A name taken apart at its last separator, unless that leads it. Views into the name.
+struct WantedName {
+    Tolvex::ustring_view folders; ///< in front; empty for a plain name
+    Tolvex::ustring_view stem;
+};
+
+[[nodiscard]] WantedName SplitWantedName(Tolvex::ustring_view name) noexcept;
+
 /// Main folders for a plain name; all kinds for a partial pathname, whose folder names say which folder is meant.
 [[nodiscard]] PathManagement::SearchScope GetUsualScope(Tolvex::ustring_view name);
 

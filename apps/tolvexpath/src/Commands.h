@@ -12,6 +12,7 @@ namespace TolvexPath {
 [[nodiscard]] std::unique_ptr<ICommand> CreateEntryCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateFindCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreatePathCommand();
+[[nodiscard]] std::unique_ptr<ICommand> CreateShadowsCommand();
 
 /// All commands, in the order in which the help lists them.
 [[nodiscard]] std::vector<std::unique_ptr<ICommand>> CreateCommands();

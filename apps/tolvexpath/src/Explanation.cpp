@@ -156,7 +156,10 @@ private:
     /// What the entry says answers comes first, as it does in a search; then the rest in the order of names.
     void GatherIn(const std::shared_ptr<const IPathEntry>& entry, std::size_t place) {
         const SearchTarget target(wanted.stem, *question.extensions);
-        const PathItemVector accepted = entry->FindAll(target, *question.policy);
+        PathItemVector accepted;
+        for (const auto& item : entry->FindAll(target, *question.policy))
+            if (std::ranges::find(accepted, item) == accepted.end()) // one that two extensions fit is given twice
+                accepted.push_back(item);
         for (const auto& item : accepted)
             explanation.candidates.push_back({FoundItem(entry, item), place, {}, {}});
         const auto items = entry->GetPathItems();

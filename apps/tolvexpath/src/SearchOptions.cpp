@@ -82,6 +82,10 @@ std::string ListUsualExtensions() {
 
 void SearchOptions::DeclareOptions(CLI::App& arguments) {
     arguments.add_flag("-a,--all", all, "Give every file that answers, winners first");
+    DeclareRules(arguments);
+}
+
+void SearchOptions::DeclareRules(CLI::App& arguments) {
     arguments.add_option("--ext", extensions, "Wanted extensions, most wanted first [" + ListUsualExtensions() + "]")
         ->type_name(".A,.B");
     arguments

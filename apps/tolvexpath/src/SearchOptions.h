@@ -16,6 +16,9 @@ public:
     /// Declares the options, which fill this object; it has to stay where it is.
     void DeclareOptions(CLI::App& arguments);
 
+    /// As above without --all, for commands that ask about more than one name.
+    void DeclareRules(CLI::App& arguments);
+
     /// Throws UsageError for values that mean nothing.
     [[nodiscard]] SearchDefaults GetDefaults() const;
 

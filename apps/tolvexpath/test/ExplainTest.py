@@ -45,6 +45,8 @@ class ExplainTest(FolderTest):
              [("a/f.kxp", 1, "other-folder"), ("a/f.kx", 1, "other-folder"), ("a/F.kx", 1, "other-folder"),
               ("a/f", 1, "other-folder"), ("a/f.txt", 1, "other-folder"), ("a/+p/f.kx", 1, "other-folder"),
               ("a/private/f.kx", 1, "other-folder"), ("b/f.kxa", 2, "winner"), ("b/F.KX", 2, "other-case")]),
+            (["f", "--match", "ignore-case", "--ext", ".kx,.KX", "-p", "b"],
+             [("b/F.KX", 1, "winner"), ("b/f.kxa", 1, "extension-not-wanted")]),
             (["f", "-p", "b", "-p", "gone", "-p", "b"],
              [("b/f.kxa", 1, "winner"), ("b/F.KX", 1, "other-case"), ("b/f.kxa", 2, "repeated-folder"), ("b/F.KX", 2, "other-case")]),
         ]
@@ -135,8 +137,8 @@ Near, but not on the path under this name:
                 self.make(choose.choice(folders) + choose.choice(below) + "/" + stem + extension)
             path = [part for _ in range(4) for part in ("-p", choose.choice(folders))]
             name = choose.choice(["f", "F", "f", "a/f", "+p/f", "sub/f", "a/private/F"])
-            arguments = [*path, "--match", choose.choice(["exact", "ignore-case", "native"]),
-                         "--ext", choose.choice([".kx,.kxp", ".kxp,.kx", ".txt,", ".KX,.kx", ".kx"]),
+            match = choose.choice(["exact", "ignore-case", "native"])
+            arguments = [*path, "--match", match, "--ext", choose.choice([".kx,.kxp", ".kxp,.kx", ".txt,", ".KX", ".kx"]),
                          *choose.choice([[], ["--scope", "all"], ["--scope", "main"], ["--scope", "package,private"]])]
             with self.subTest(json.dumps([name, *arguments]), seed=SEED):
                 explained = self.explain(name, *arguments)

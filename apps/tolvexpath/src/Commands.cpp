@@ -8,6 +8,7 @@ std::vector<std::unique_ptr<ICommand>> CreateCommands() {
     commands.push_back(CreateFindCommand());
     commands.push_back(CreatePathCommand());
     commands.push_back(CreateShadowsCommand());
+    commands.push_back(CreateCheckCommand());
     commands.push_back(CreateCacheCommand());
     return commands;
 }

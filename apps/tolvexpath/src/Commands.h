@@ -9,6 +9,7 @@ namespace TolvexPath {
 
 // One line for each command here and one in CreateCommands; the rest of a command stays in its own source.
 [[nodiscard]] std::unique_ptr<ICommand> CreateCacheCommand();
+[[nodiscard]] std::unique_ptr<ICommand> CreateCheckCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateEntryCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateFindCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreatePathCommand();

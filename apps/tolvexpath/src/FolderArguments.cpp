@@ -64,7 +64,8 @@ AbsoluteIRI GetWorkingFolder() {
 
 /// The folder that a file lies in, as the file's name spells it.
 AbsoluteIRI GetFolderOfFile(const std::string& fileName) {
-    return MakeLocation(fileName.substr(0, fileName.rfind('/') + 1) + ".");
+    const std::size_t separator = fileName.rfind('/');
+    return separator == std::string::npos ? GetWorkingFolder() : MakeLocation(fileName.substr(0, separator + 1));
 }
 
 void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::string& fileName) {

@@ -64,8 +64,8 @@ private:
 
     NameRules rules;
     std::vector<std::shared_ptr<const PathManagement::IPathEntry>> entries; // in path order
-    std::vector<Tolvex::ustring> owners;                                    // packages and classes; empty for main folders
-    std::vector<Name> names;                                                // those of one group side by side
+    std::vector<Tolvex::ustring> owners; // packages and classes; empty for main folders
+    std::vector<Name> names;             // those of one group side by side
 };
 
 } // namespace TolvexPath

@@ -17,6 +17,7 @@
 namespace TolvexPath {
 
 using PathManagement::FilenameMatchingPolicy;
+using PathManagement::PathEntryType;
 using PathManagement::SearchScope;
 
 namespace {
@@ -105,6 +106,18 @@ SearchDefaults SearchOptions::GetDefaults() const {
         defaults.scope = ReadScope(*scope);
     defaults.all = all;
     return defaults;
+}
+
+NameRules SearchOptions::GetNameRules() const {
+    SearchDefaults defaults = GetDefaults();
+    NameRules rules{.policy = defaults.policy,
+                    .extensions = std::move(defaults.extensions),
+                    .scope = defaults.scope.value_or(namedKinds)};
+    for (const PathEntryType kind : {PathEntryType::privateFolder, PathEntryType::resourcesFolder})
+        if (rules.scope.Contains(kind))
+            throw UsageError("--scope: files of private and resources folders hide nothing; name main, package, method "
+                             "or udd");
+    return rules;
 }
 
 } // namespace TolvexPath

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "NamesOnPath.h"
 #include "Question.h"
 
 #include <string>
@@ -21,6 +22,10 @@ public:
 
     /// Throws UsageError for values that mean nothing.
     [[nodiscard]] SearchDefaults GetDefaults() const;
+
+    /// The same for questions about all names. Throws also for kinds of folders whose files are not called from
+    /// elsewhere.
+    [[nodiscard]] NameRules GetNameRules() const;
 
 private:
     bool all = false;

@@ -8,18 +8,18 @@
 #include "Output.h"
 #include "SearchOptions.h"
 #include "Session.h"
-#include "UsageError.h"
 
 #include "path_utilities/PathText.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace TolvexPath {
 
 using PathManagement::FoundItem;
-using PathManagement::PathEntryType;
-using PathManagement::SearchScope;
 
 namespace {
 
@@ -48,8 +48,6 @@ public:
     [[nodiscard]] ExitCode Run() override;
 
 private:
-    [[nodiscard]] NameRules MakeRules() const;
-
     FolderArguments folders;
     CacheArguments cache;
     SearchOptions search;
@@ -103,21 +101,9 @@ void ShadowsCommand::DeclareArguments(CLI::App& arguments) {
     arguments.footer(help);
 }
 
-NameRules ShadowsCommand::MakeRules() const {
-    SearchDefaults defaults = search.GetDefaults();
-    NameRules rules{.policy = defaults.policy,
-                    .extensions = std::move(defaults.extensions),
-                    .scope = defaults.scope.value_or(namedKinds),
-                    .countsOtherForms = withForms};
-    for (const PathEntryType kind : {PathEntryType::privateFolder, PathEntryType::resourcesFolder})
-        if (rules.scope.Contains(kind))
-            throw UsageError("--scope: files of private and resources folders hide nothing; name main, package, method "
-                             "or udd");
-    return rules;
-}
-
 ExitCode ShadowsCommand::Run() {
-    NameRules rules = MakeRules();
+    NameRules rules = search.GetNameRules();
+    rules.countsOtherForms = withForms;
     const auto locations = folders.GetLocations();
     cache.Load();
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);

@@ -2,8 +2,10 @@
 
 #include "FolderArguments.h"
 #include "Messages.h"
+#include "Session.h"
 
 #include "path_utilities/ToolboxCacheFile.h"
+#include "path_utilities/UniformFolderMonitor.h"
 #include "search_path/Accessors.h"
 
 #include <CLI/CLI.hpp>
@@ -51,6 +53,21 @@ PathEntryVector CacheArguments::CreateEntries(const std::vector<Tolvex::Absolute
         if (entry != nullptr && entry->IsOutOfDate())
             entry = std::move(*next++);
     return entries;
+}
+
+Tolvex::Notification CacheArguments::SetPath(Session& session,
+                                             const std::vector<Tolvex::AbsoluteIRI>& locations) const {
+    Load();
+    PathEntryVector looked; // alive until the session has them, so that no folder is listed twice
+    if (file && !isTrusted) {
+        Tolvex::Notification toldAgain;
+        looked = PathManagement::GetPathEntryFactory().CreatePathEntries(
+            locations, PathManagement::UniformFolderMonitor(), toldAgain);
+        // Those that are found out of date are not handed out again.
+        for (const auto& entry : looked)
+            static_cast<void>(entry != nullptr && entry->IsOutOfDate());
+    }
+    return session.SetPath(locations);
 }
 
 } // namespace TolvexPath

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "foundation/messages/Notification.h"
 #include "path_interfaces/IPathEntry.h"
 
 #include <optional>
@@ -11,6 +12,8 @@ class App;
 }
 
 namespace TolvexPath {
+
+class Session;
 
 /// The path cache file that a command line names, for commands that can do without listing folders.
 class CacheArguments {
@@ -26,6 +29,10 @@ public:
     /// changed since the file was written are listed, unless the file is to be trusted.
     [[nodiscard]] PathManagement::PathEntryVector
     CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& locations) const;
+
+    /// The same for a session: loads the file and sets the session's path. Gives what was left out and why.
+    [[nodiscard]] Tolvex::Notification SetPath(Session& session,
+                                               const std::vector<Tolvex::AbsoluteIRI>& locations) const;
 
 private:
     std::optional<std::string> file;

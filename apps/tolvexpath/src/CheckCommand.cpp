@@ -121,11 +121,11 @@ void CheckCommand::DeclareArguments(CLI::App& arguments) {
 }
 
 ExitCode CheckCommand::Run() {
-    NameRules rules = search.GetNameRules();
+    const NameRules rules = search.GetNameRules();
     const auto locations = folders.GetLocations();
-    cache.Load();
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
-    const PathCheck check = CheckPath(session, locations, std::move(rules));
+    const Tolvex::Notification leftOut = cache.SetPath(session, locations);
+    const PathCheck check = CheckPath(session.GetManager().GetPath(), locations, leftOut, rules);
     if (page)
         WritePage(*page, check);
     Output output;

@@ -1,7 +1,6 @@
 #include "PathCheck.h"
 
 #include "KernelWatches.h"
-#include "Session.h"
 
 #include "foundation/environment/StorageAccess.h"
 #include "foundation/messages/Catalogue.h"
@@ -200,10 +199,10 @@ std::span<const ProblemKind> GetProblemKinds() {
     return problemKinds;
 }
 
-PathCheck CheckPath(Session& session, std::span<const AbsoluteIRI> locations, NameRules rules) {
-    const Tolvex::Notification leftOut = session.SetPath(locations);
+PathCheck CheckPath(std::shared_ptr<const PathManagement::IPath> path, std::span<const AbsoluteIRI> locations,
+                    const Tolvex::Notification& leftOut, const NameRules& rules) {
     PathCheck check;
-    check.path = session.GetManager().GetPath();
+    check.path = std::move(path);
     check.folders = DescribeFolders(*check.path);
     for (const FolderOnPath& folder : check.folders)
         check.fileCount += folder.fileCount;

@@ -12,8 +12,6 @@
 
 namespace TolvexPath {
 
-class Session;
-
 /// A kind of problem, by a word for programs that does not change, and by a heading for people.
 struct ProblemKind {
     std::string_view name;
@@ -38,7 +36,10 @@ struct PathCheck {
     std::vector<PathProblem> problems; ///< in the order of kinds
 };
 
-/// Sets the session's path and looks at it from every side. `locations` as they are spelled.
-[[nodiscard]] PathCheck CheckPath(Session& session, std::span<const Tolvex::AbsoluteIRI> locations, NameRules rules);
+/// Looks at an installed path from every side. `locations`, as they are spelled, are what it was asked to be made of,
+/// `leftOut` is what became of the others.
+[[nodiscard]] PathCheck CheckPath(std::shared_ptr<const PathManagement::IPath> path,
+                                  std::span<const Tolvex::AbsoluteIRI> locations, const Tolvex::Notification& leftOut,
+                                  const NameRules& rules);
 
 } // namespace TolvexPath

@@ -112,10 +112,8 @@ void PathCommand::DeclareArguments(CLI::App& arguments) {
 }
 
 ExitCode PathCommand::Run() {
-    const auto locations = folders.GetLocations();
-    cache.Load();
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
-    const Tolvex::Notification leftOut = session.SetPath(locations);
+    const Tolvex::Notification leftOut = cache.SetPath(session, folders.GetLocations());
     const std::vector<FolderOnPath> onPath = DescribeFolders(*session.GetManager().GetPath());
     Output output;
     if (asJson) {

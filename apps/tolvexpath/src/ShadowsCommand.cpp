@@ -104,10 +104,8 @@ void ShadowsCommand::DeclareArguments(CLI::App& arguments) {
 ExitCode ShadowsCommand::Run() {
     NameRules rules = search.GetNameRules();
     rules.countsOtherForms = withForms;
-    const auto locations = folders.GetLocations();
-    cache.Load();
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
-    PrintMessages(session.SetPath(locations));
+    PrintMessages(cache.SetPath(session, folders.GetLocations()));
     const auto conflicts = NamesOnPath(*session.GetManager().GetPath(), std::move(rules)).FindConflicts();
     Output output;
     if (asJson)

@@ -53,10 +53,21 @@ class PathCommandTest(FolderTest):
 
     def test_source_and_watching(self):
         self.run_here("cache", "write", ".", "-p", "a", "-o", "cache")
+        written = os.stat(self.path("cache")).st_mtime
+        os.utime(self.path("cache"), (written + 60, written + 60))  # as if the folder had been at rest for long
         result = self.run_here("path", "--json", "--cache", "cache", "--root", ".", TOLVEXPATH="inst/box:a")
         self.assertEqual([self.folder("inst/box", 1, watched="time check"), self.folder("a", 5, source="cache file")],
                          result.json["folders"])
-        broken = self.run_here("path", "-p", "a", "--cache", "file", "--root", ".")
+        os.utime(self.path("cache"), (written, written))
+        self.make("a/new.kx")
+        cache = ["--cache", "cache", "--root", "."]
+        for arguments, folders in ((["-p", "a"], [self.folder("a", 6)]),
+                                   (["-p", "a", "--trust-cache"], [self.folder("a", 5, source="cache file")])):
+            self.assertEqual(folders, self.run_here("path", "--json", *arguments, *cache).json["folders"])
+        os.rename(self.path("a"), self.path("away"))
+        gone = self.run_here("path", "--json", "-p", "a", *cache).json
+        self.assertEqual(([], 1), (gone["folders"], len(gone["left_out"])))
+        broken = self.run_here("path", "-p", "b", "--cache", "file", "--root", ".")
         self.assertEqual((FOUND, 1), (broken.code, broken.err.count("the cache is not used")))
 
     def test_text(self):

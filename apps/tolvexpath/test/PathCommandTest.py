@@ -53,12 +53,9 @@ class PathCommandTest(FolderTest):
 
     def test_source_and_watching(self):
         self.run_here("cache", "write", ".", "-p", "a", "-o", "cache")
-        written = os.stat(self.path("cache")).st_mtime
-        os.utime(self.path("cache"), (written + 60, written + 60))  # as if the folder had been at rest for long
-        result = self.run_here("path", "--json", "--cache", "cache", "--root", ".", TOLVEXPATH="inst/box:a")
+        result = self.run_here("path", "--json", "--cache", "cache", "--root", ".", "--trust-cache", TOLVEXPATH="inst/box:a")
         self.assertEqual([self.folder("inst/box", 1, watched="time check"), self.folder("a", 5, source="cache file")],
                          result.json["folders"])
-        os.utime(self.path("cache"), (written, written))
         self.make("a/new.kx")
         cache = ["--cache", "cache", "--root", "."]
         for arguments, folders in ((["-p", "a"], [self.folder("a", 6)]),

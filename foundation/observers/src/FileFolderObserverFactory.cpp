@@ -31,9 +31,11 @@ public:
         try {
             return registry->GetChangesSince(token);
         } catch (const std::bad_alloc&) {
-            return {token, {}, true};
+            return {token, {}, true, true};
         }
     }
+
+    [[nodiscard]] std::optional<WaitHandle> getWaitHandle() override { return registry->GetWaitHandle(); }
 
     [[nodiscard]] RemotePathPolicy getRemotePathPolicy() const noexcept override {
         return registry->GetRemotePathPolicy();

@@ -57,6 +57,9 @@ public:
     /// of memory, when it throws, is told the next time.
     virtual void Drain() = 0;
 
+    /// Ready to be read when Drain has something to tell; empty when the system gives none.
+    [[nodiscard]] virtual std::optional<WaitHandle> GetWaitHandle() = 0;
+
     /// After `noWatchLeft`: for people, which limit was met last, its value and the cure.
     [[nodiscard]] virtual std::string DescribeShortage() const = 0;
 };

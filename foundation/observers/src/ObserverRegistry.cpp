@@ -124,13 +124,18 @@ ChangeReport ObserverRegistry::GetChangesSince(ChangeToken token) {
         round.Include(*folder);
     }
     round.Run();
-    return {{history.GetPosition()}, history.GetChangedAfter(token.position), false};
+    return {{history.GetPosition()}, history.GetChangedAfter(token.position), false, !timeChecks.empty()};
 }
 
 void ObserverRegistry::MarkChanged(const AbsoluteIRI& location, FrozenInclusion frozen) {
     const Lock lock(mutex);
     if (auto* const folder = Find(location))
         MarkAllChanged(*folder, frozen);
+}
+
+std::optional<WaitHandle> ObserverRegistry::GetWaitHandle() {
+    const Lock lock(mutex);
+    return watches ? watches->GetWaitHandle() : std::nullopt;
 }
 
 ObservedFolder* ObserverRegistry::Find(const AbsoluteIRI& location) const {

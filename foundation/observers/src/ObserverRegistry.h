@@ -35,6 +35,7 @@ public:
     /// Brings what is known of all folders up to now.
     [[nodiscard]] ChangeReport GetChangesSince(ChangeToken token);
     void MarkChanged(const AbsoluteIRI& location, FrozenInclusion frozen);
+    [[nodiscard]] std::optional<WaitHandle> GetWaitHandle();
 
     [[nodiscard]] RemotePathPolicy GetRemotePathPolicy() const noexcept { return policy.load(); }
     void SetRemotePathPolicy(RemotePathPolicy newPolicy) noexcept { policy.store(newPolicy); }

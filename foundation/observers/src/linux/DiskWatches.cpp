@@ -1,5 +1,6 @@
 #include "../FolderWatches.h"
 #include "StorageMap.h"
+#include "WaitDescriptor.h"
 #include "WatchTree.h"
 
 #include <array>
@@ -39,6 +40,12 @@ public:
             tree.Drain();
     }
 
+    [[nodiscard]] std::optional<WaitHandle> GetWaitHandle() override {
+        if (tree.OpenQueue() && !waitDescriptor)
+            waitDescriptor = WaitDescriptor::Open(tree.GetQueueNumber());
+        return waitDescriptor ? std::optional<WaitHandle>(waitDescriptor->GetNumber()) : std::nullopt;
+    }
+
     [[nodiscard]] std::string DescribeShortage() const override { return tree.GetShortage().Describe(); }
 
 private:
@@ -70,7 +77,8 @@ private:
     WatchTree tree;
     std::optional<StorageMap> storages; // read when it is first needed
     bool isTableOld = false;
-    std::vector<std::string> changedPlaces; // that nobody was told of yet
+    std::vector<std::string> changedPlaces;       // that nobody was told of yet
+    std::optional<WaitDescriptor> waitDescriptor; // made when somebody wants to wait
 };
 
 } // namespace

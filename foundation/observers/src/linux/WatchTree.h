@@ -31,6 +31,8 @@ public:
     void SuspectPath(std::string_view path) noexcept;
     void Drain() noexcept;
 
+    /// False when the system gives no queue.
+    [[nodiscard]] bool OpenQueue() noexcept { return queue.Open(); }
     /// -1 as long as nothing was watched.
     [[nodiscard]] int GetQueueNumber() const noexcept { return queue.GetNumber(); }
     /// Why the last watch that was refused was.

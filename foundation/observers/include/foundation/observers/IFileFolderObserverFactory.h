@@ -42,7 +42,13 @@ struct ChangeReport {
     std::vector<CanonicalAbsoluteIRI> changed;
     /// True when the report cannot speak for every observer, for want of memory: they have to be asked one by one.
     bool askEachObserver = true;
+    /// True when some folders had to be looked at for the report, since nothing tells of them: who waits for the wait
+    /// handle does not hear of their changes.
+    bool hasLookedAtFolders = true;
 };
+
+/// Something of the system's to wait for, beside other such things: a descriptor for poll() on Linux.
+using WaitHandle = std::intptr_t;
 
 /// What a factory takes from its system.
 struct ObservationOptions {
@@ -87,6 +93,13 @@ public:
     /// by any process of this machine before the call, as far as `askEachObserver` is false. Costs what changed, and a
     /// look at each folder that no watch tells of.
     [[nodiscard]] virtual ChangeReport getChangesSince(ChangeToken token) = 0;
+
+    /// Becomes ready to be read when the kernel has told of something; then getChangesSince says what that means, maybe
+    /// nothing. It stays ready until it is asked. So who waits asks first, then waits, and misses nothing; other
+    /// questions to the factory or its observers may take up what was told, too. Never read or closed by the caller,
+    /// good as long as the factory. Empty when there is none: other storage than disks, or a system short of
+    /// descriptors.
+    [[nodiscard]] virtual std::optional<WaitHandle> getWaitHandle() = 0;
 
     [[nodiscard]] virtual RemotePathPolicy getRemotePathPolicy() const noexcept = 0;
     virtual void setRemotePathPolicy(RemotePathPolicy policy) noexcept = 0;

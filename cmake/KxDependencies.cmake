@@ -7,6 +7,7 @@ find_package(CLI11 2.1 REQUIRED)
 find_package(fmt 9 REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)
+pkg_check_modules(libedit REQUIRED IMPORTED_TARGET libedit)
 find_package(Threads REQUIRED)
 
 if(KX_BUILD_TESTS)

@@ -10,6 +10,8 @@ std::vector<std::unique_ptr<ICommand>> CreateCommands() {
     commands.push_back(CreateShadowsCommand());
     commands.push_back(CreateCheckCommand());
     commands.push_back(CreateCacheCommand());
+    commands.push_back(CreateWatchCommand());
+    commands.push_back(CreateShellCommand());
     return commands;
 }
 

@@ -14,6 +14,8 @@ namespace TolvexPath {
 [[nodiscard]] std::unique_ptr<ICommand> CreateFindCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreatePathCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateShadowsCommand();
+[[nodiscard]] std::unique_ptr<ICommand> CreateShellCommand();
+[[nodiscard]] std::unique_ptr<ICommand> CreateWatchCommand();
 
 /// All commands, in the order in which the help lists them.
 [[nodiscard]] std::vector<std::unique_ptr<ICommand>> CreateCommands();

@@ -29,6 +29,7 @@ public:
     /// character that is no blank is a "#", are passed over. Read when the locations are asked for.
     void AddListFile(std::string fileName);
 
+    [[nodiscard]] bool NamesFolders() const noexcept { return !sources.empty(); }
     [[nodiscard]] bool ReadsStandardInput() const noexcept;
 
     /// Every folder as it is spelled: "." and ".." stay, since what they mean depends on links. Throws UsageError when

@@ -2,8 +2,12 @@
 
 import json
 import os
+import pty
+import re
+import select
 import subprocess
 import tempfile
+import termios
 import unittest
 
 PROGRAM = os.environ["TOLVEXPATH_PROGRAM"]
@@ -50,6 +54,91 @@ def ask(questions, *arguments, **options):
     result = run("find", "--queries", "-", *arguments, stdin=lines.encode("ascii"), **options)
     assert result.code == FOUND, result.err
     return result.json_lines
+
+
+class Running:
+    """A program that runs beside the test; what it says is read as it comes. Leave it by `with`."""
+
+    def __init__(self, *arguments, before=(), **options):
+        self.process = subprocess.Popen([*before, PROGRAM, *arguments], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        stderr=subprocess.PIPE, bufsize=0, **options)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.process.wait()
+        for pipe in (self.process.stdin, self.process.stdout, self.process.stderr):
+            pipe.close()
+
+    def read_line(self):
+        line = b""
+        while not line.endswith(b"\n"):
+            assert select.select([self.process.stdout], [], [], 60)[0], "nothing comes"
+            byte = self.process.stdout.read(1)
+            assert byte, f"the program ended: {self.process.stderr.read()}"
+            line += byte
+        return line
+
+    def read_json(self):
+        return json.loads(self.read_line().decode("utf-8"))
+
+    def end(self, signal):
+        """Its exit code, and what it said since the last line that was read."""
+        self.process.send_signal(signal)
+        out, err = self.process.communicate(timeout=60)
+        return self.process.returncode, out, err
+
+
+class OnTerminal:
+    """A program that runs on a terminal of its own; leave it by `with`."""
+
+    def __init__(self, *arguments, cwd, env):
+        self.shown = b""
+        self.process, self.terminal = pty.fork()
+        if self.process == 0:
+            os.chdir(cwd)
+            os.execve(PROGRAM, [PROGRAM, *arguments], env)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        os.close(self.terminal)
+        if self.process:
+            os.kill(self.process, 9)
+            os.waitpid(self.process, 0)
+
+    def type(self, keys):
+        os.write(self.terminal, keys)
+
+    def wait_for(self, pattern):
+        """Reads until the text fits; gives all up to the end of what fits and forgets it."""
+        while not (found := re.search(pattern, self.shown)):
+            assert select.select([self.terminal], [], [], 60)[0], f"{pattern} does not come: {self.shown}"
+            try:
+                self.shown += os.read(self.terminal, 65536)
+            except OSError:  # the other side is closed
+                raise AssertionError(f"the program ended: {self.shown}") from None
+        text, self.shown = self.shown[: found.end()], self.shown[found.end():]
+        return text
+
+    def wait_for_editing(self, prompt):
+        """Waits for the prompt, then until keys reach the program one by one."""
+        self.wait_for(prompt)
+        while termios.tcgetattr(self.terminal)[3] & termios.ICANON:
+            assert not os.waitid(os.P_PID, self.process, os.WEXITED | os.WNOHANG | os.WNOWAIT), "the program ended"
+
+    def wait_for_end(self):
+        """The exit code; what was shown last is left in `shown`."""
+        try:
+            while chunk := os.read(self.terminal, 65536):
+                self.shown += chunk
+        except OSError:
+            pass
+        process, self.process = self.process, 0
+        return os.waitstatus_to_exitcode(os.waitpid(process, 0)[1])
 
 
 class FolderTest(unittest.TestCase):

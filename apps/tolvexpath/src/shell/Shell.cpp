@@ -1,0 +1,56 @@
+#include "shell/Shell.h"
+
+#include "UsageError.h"
+#include "shell/ShellCommand.h"
+#include "shell/Words.h"
+
+#include <fmt/format.h>
+
+#include <system_error>
+
+namespace TolvexPath {
+
+bool Shell::Run(LineSource& lines, bool stopsAtFailure) {
+    bool allWell = true;
+    while (!context.IsEnded() && (allWell || !stopsAtFailure)) {
+        const auto line = lines.Next();
+        if (!line)
+            break;
+        context.SetPlace(lines.GetPlace());
+        allWell = Execute(*line) && allWell;
+        context.GetOutput().Flush();
+    }
+    return allWell;
+}
+
+/// A line that fails ends nothing but itself, unless the output fails.
+bool Shell::Execute(std::string_view line) {
+    try {
+        return ExecuteWords(line);
+    } catch (const std::system_error&) {
+        throw;
+    } catch (const std::exception& error) {
+        context.Report(error.what());
+    }
+    return false;
+}
+
+bool Shell::ExecuteWords(std::string_view line) {
+    if (const auto called = GetCalledName(line))
+        throw UsageError(fmt::format("there is no built-in function '{}'", *called));
+    std::vector<std::string> words = SplitWords(line);
+    if (words.empty())
+        return true;
+    const ShellCommand* const command = FindShellCommand(words.front());
+    if (command == nullptr)
+        throw UsageError(fmt::format("'{}' is no command; 'help' lists what there is", words.front()));
+    words.erase(words.begin());
+    ShellArguments arguments(std::move(words));
+    try {
+        return command->run(context, arguments);
+    } catch (const UsageError& error) {
+        throw UsageError(fmt::format("{}: {}", command->name, error.what()));
+    }
+}
+
+} // namespace TolvexPath

@@ -1,0 +1,127 @@
+#include "watch/ChangeWriter.h"
+
+#include "DisplayText.h"
+#include "JsonWriter.h"
+#include "Output.h"
+
+#include "path_utilities/PathText.h"
+
+#include <fmt/format.h>
+
+namespace TolvexPath {
+
+using PathManagement::FoundItem;
+using PathManagement::GetStringFromIRI;
+
+namespace {
+
+class TextWriter final : public ChangeWriter {
+public:
+    explicit TextWriter(Output& output) : output(output) {}
+
+    void BeginWatch(std::size_t folderCount) override {
+        output.Write(fmt::format("watching {} folder{}\n", folderCount, folderCount == 1 ? "" : "s"));
+        output.Flush();
+    }
+
+    void Write(const ContentChanges& changes) override {
+        for (const auto& folder : changes.folders)
+            output.Write(ToDisplayText(GetStringFromIRI(folder->GetIRI())) + '\n');
+        for (const NameChange& change : changes.names)
+            output.Write(Describe(change));
+        output.Flush();
+    }
+
+private:
+    static std::string Describe(const NameChange& change) {
+        const std::string name = ToDisplayText(change.name);
+        if (!change.after)
+            return fmt::format("  - {}  was {}\n", name, GetFile(*change.before));
+        if (!change.before)
+            return fmt::format("  + {}  {}\n", name, GetFile(*change.after));
+        return fmt::format("  ~ {}  {}, was {}\n", name, GetFile(*change.after), GetFile(*change.before));
+    }
+
+    static std::string GetFile(const FoundItem& found) {
+        return ToDisplayText(GetStringFromIRI(found.GetItem().GetIRI()));
+    }
+
+    Output& output;
+};
+
+class LineWriter final : public ChangeWriter {
+public:
+    explicit LineWriter(Output& output) : output(output) {}
+
+    void BeginWatch(std::size_t) override {
+        JsonWriter json(output);
+        BeginEvent(json, u"ready");
+        EndEvent(json);
+    }
+
+    void Write(const ContentChanges& changes) override {
+        JsonWriter json(output);
+        BeginEvent(json, u"change");
+        json.Key("folders");
+        json.BeginArray();
+        for (const auto& folder : changes.folders)
+            json.String(GetStringFromIRI(folder->GetIRI()));
+        json.EndArray();
+        WriteNames(json, "added", changes.names, [](const NameChange& change) { return !change.before; });
+        WriteNames(json, "removed", changes.names, [](const NameChange& change) { return !change.after; });
+        WriteNames(json, "changed", changes.names,
+                   [](const NameChange& change) { return change.before && change.after; });
+        EndEvent(json);
+    }
+
+private:
+    static void BeginEvent(JsonWriter& json, Tolvex::ustring_view kind) {
+        json.BeginObject();
+        json.Key("event");
+        json.String(kind);
+    }
+
+    void EndEvent(JsonWriter& json) const {
+        json.EndObject();
+        output.Write('\n');
+        output.Flush();
+    }
+
+    static void WriteNames(JsonWriter& json, const char* key, const std::vector<NameChange>& changes,
+                           bool (*isWanted)(const NameChange&)) {
+        json.Key(key);
+        json.BeginArray();
+        for (const NameChange& change : changes)
+            if (isWanted(change))
+                WriteName(json, change);
+        json.EndArray();
+    }
+
+    static void WriteName(JsonWriter& json, const NameChange& change) {
+        json.BeginObject();
+        json.Key("name");
+        json.String(change.name);
+        WriteFile(json, "before", change.before);
+        WriteFile(json, "after", change.after);
+        json.EndObject();
+    }
+
+    static void WriteFile(JsonWriter& json, const char* key, const std::optional<FoundItem>& found) {
+        if (!found)
+            return;
+        json.Key(key);
+        json.String(GetStringFromIRI(found->GetItem().GetIRI()));
+    }
+
+    Output& output;
+};
+
+} // namespace
+
+std::unique_ptr<ChangeWriter> CreateChangeWriter(Output& output, bool asJson) {
+    if (asJson)
+        return std::make_unique<LineWriter>(output);
+    return std::make_unique<TextWriter>(output);
+}
+
+} // namespace TolvexPath

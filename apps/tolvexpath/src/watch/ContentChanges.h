@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Finder.h"
+
+#include "path_interfaces/events/PathChangeEvent.h"
+
+#include <optional>
+
+namespace TolvexPath {
+
+/// A name that another file answers to than before, or none, or one where there was none.
+struct NameChange {
+    Tolvex::ustring name;                            ///< as `find` takes it
+    std::optional<PathManagement::FoundItem> before; ///< one of both is there
+    std::optional<PathManagement::FoundItem> after;
+};
+
+/// What became of folders that were read anew.
+struct ContentChanges {
+    PathManagement::PathEntryVector folders; ///< main folders that hold other files or child folders than before
+    std::vector<NameChange> names;           ///< that are answered differently, sorted
+};
+
+/// `before` and `after` answer on the whole path. A file in a private or resources folder, which answers only to the
+/// folder above it, goes by the name "folder/private/name".
+///
+/// Costs what is in the refreshed folders, not what is on the path.
+[[nodiscard]] ContentChanges FindContentChanges(const PathManagement::PathEntryVector& refreshedBefore,
+                                                const PathManagement::PathEntryVector& refreshedAfter,
+                                                const Finder& before, const Finder& after);
+
+} // namespace TolvexPath

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "watch/WakeUp.h"
+
+#include "path_interfaces/IMainSearchPathManager.h"
+#include "path_interfaces/IPathEntryFactory.h"
+
+namespace TolvexPath {
+
+/// Refreshes a path whenever one of its folders has changed, until the program is to end.
+///
+/// Changes often come in bursts: it waits until nothing has happened for a while, though not for ever, so that a folder
+/// into which a thousand files are copied is read once and not half full.
+class WatchLoop {
+public:
+    struct Timing {
+        WakeUp::Duration quiet{50};      ///< so long nothing may happen before a refresh
+        WakeUp::Duration interval{1000}; ///< between looks at folders that nothing tells of
+    };
+    static constexpr int longestBurst = 20; // quiet times
+
+    WatchLoop(PathManagement::IMainSearchPathManager& manager, const PathManagement::IPathEntryFactory& factory,
+              const WakeUp& wakeUp, Timing timing) noexcept
+        : manager(manager), factory(factory), wakeUp(wakeUp), timing(timing) {}
+
+    void Run();
+
+private:
+    [[nodiscard]] bool WaitForChange();
+    [[nodiscard]] bool WaitForQuiet();
+    [[nodiscard]] bool AskForChanges();
+
+    PathManagement::IMainSearchPathManager& manager;
+    const PathManagement::IPathEntryFactory& factory;
+    const WakeUp& wakeUp;
+    Timing timing;
+    Tolvex::ChangeToken seen;
+    bool hasFoldersToLookAt = false;
+};
+
+} // namespace TolvexPath

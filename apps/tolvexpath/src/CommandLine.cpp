@@ -3,10 +3,13 @@
 #include "Commands.h"
 #include "Messages.h"
 #include "Version.h"
+#include "manual/ManualPage.h"
+#include "manual/ShellCompletions.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
+#include <functional>
 #include <iostream>
 #include <map>
 
@@ -31,6 +34,20 @@ std::string DescribeWrongUse(const CLI::App* app, const CLI::Error& error) {
     return fmt::format("{}: {}\nTry '{} {}--help'.\n", programName, problem, programName, command);
 }
 
+/// What the build makes files of; none of a user's business, so not in the help.
+void DeclareMakingOfFiles(CLI::App& app) {
+    const auto declare = [&app](const char* name, const std::function<std::string(const CommandOutline&)>& make) {
+        const auto write = [&app, make] {
+            std::cout << make(MakeOutline(app)) << std::flush;
+            throw CLI::Success();
+        };
+        app.add_flag_callback(name, write)->group("");
+    };
+    declare("--man", [](const CommandOutline& program) { return MakeManualPage(program, versionText); });
+    declare("--bash-completion", MakeBashCompletion);
+    declare("--zsh-completion", MakeZshCompletion);
+}
+
 ExitCode ParseAndRun(int argumentCount, const char* const* arguments) {
     CLI::App app("Shows what a search path of code folders holds and finds files on it by name.", programName);
     app.set_version_flag("--version", fmt::format("{} {}", programName, versionText));
@@ -45,6 +62,7 @@ ExitCode ParseAndRun(int argumentCount, const char* const* arguments) {
         command->DeclareArguments(*declared);
         byArguments.emplace(declared, command.get());
     }
+    DeclareMakingOfFiles(app);
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {

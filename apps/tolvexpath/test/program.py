@@ -92,14 +92,14 @@ class Running:
 
 
 class OnTerminal:
-    """A program that runs on a terminal of its own; leave it by `with`."""
+    """A program, that under test or another, that runs on a terminal of its own; leave it by `with`."""
 
-    def __init__(self, *arguments, cwd, env):
+    def __init__(self, *arguments, cwd, env, program=PROGRAM):
         self.shown = b""
         self.process, self.terminal = pty.fork()
         if self.process == 0:
             os.chdir(cwd)
-            os.execve(PROGRAM, [PROGRAM, *arguments], env)
+            os.execve(program, [program, *arguments], env)
 
     def __enter__(self):
         return self

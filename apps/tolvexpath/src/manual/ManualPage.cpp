@@ -34,7 +34,8 @@ std::string ToUpper(std::string text) {
 /// Writes paragraphs: filled, but for stretches of lines that begin with a blank.
 class ParagraphWriter {
 public:
-    explicit ParagraphWriter(std::string& page) : page(page) {}
+    /// `followsText`: a break has to stand before the first paragraph.
+    ParagraphWriter(std::string& page, bool followsText) : page(page), isAtBreak(followsText) {}
 
     void Write(const std::string& text) {
         std::istringstream lines(text);
@@ -65,7 +66,7 @@ private:
 
     std::string& page;
     bool isVerbatim = false;
-    bool isAtBreak = true;
+    bool isAtBreak;
 };
 
 std::string JoinNames(const OptionOutline& option) {
@@ -107,7 +108,7 @@ void WriteCommand(std::string& page, const CommandOutline& program, const Comman
         page += ".PP\n" + MakeSynopsis(program, command);
     WriteOptions(page, command.arguments);
     WriteOptions(page, command.options);
-    ParagraphWriter(page).Write(command.footer);
+    ParagraphWriter(page, true).Write(command.footer);
 }
 
 } // namespace
@@ -125,7 +126,7 @@ std::string MakeManualPage(const CommandOutline& program, const std::string& ver
     page += ".SH COMMANDS\n";
     ForEachCommand(program, [&](const CommandOutline& command) { WriteCommand(page, program, command); });
     page += ".SH NOTES\n";
-    ParagraphWriter(page).Write(program.footer);
+    ParagraphWriter(page, false).Write(program.footer);
     return page;
 }
 

@@ -26,7 +26,7 @@ std::string Escape(std::string_view text) {
 std::string GetOffer(ValueKind kind) {
     if (kind == ValueKind::folder)
         return "_files -/";
-    return kind == ValueKind::file ? "_files" : "";
+    return kind == ValueKind::file ? "_files" : "()"; // no action at all would keep an option from being completed
 }
 
 /// The name of the function for a command; a blank cannot stand in it.
@@ -36,21 +36,25 @@ std::string GetFunction(const CommandOutline& program, const CommandOutline& com
     return fmt::format("_{}{}{}", program.name, path.empty() ? "" : "_", path);
 }
 
+/// "--name=" takes its value behind the sign or in the next word.
+std::string Spell(const OptionOutline& option, const std::string& name) {
+    return option.value != ValueKind::none && name.starts_with("--") ? name + '=' : name;
+}
+
 /// An option may stand again only if it may be repeated; each of its names keeps away the others.
 std::string DescribeOption(const OptionOutline& option) {
     std::string names;
     std::string list;
     for (const std::string& name : option.names) {
         names += (names.empty() ? "" : " ") + name;
-        list += (list.empty() ? "" : ",") + name;
+        list += (list.empty() ? "" : ",") + Spell(option, name);
     }
     const std::string value =
         option.value == ValueKind::none ? "" : fmt::format(":{}:{}", option.valueName, GetOffer(option.value));
     const std::string text = fmt::format("'[{}]{}'", Escape(option.description), value);
     const std::string spelled = option.names.size() > 1 ? "{" + list + "}" : list;
-    if (option.repeats)
-        return fmt::format("'*'{}{}", spelled, text);
-    return fmt::format("'({})'{}{}", names, spelled, text);
+    const std::string others = option.repeats ? "*" : "(" + names + ")";
+    return fmt::format("'{}'{}{}", others, spelled, text);
 }
 
 std::string DescribeArgument(const OptionOutline& argument) {

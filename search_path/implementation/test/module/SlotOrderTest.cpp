@@ -145,7 +145,7 @@ Interface GetObserverFactoryInterface() {
              At("getRemotePathPolicy", &I::getRemotePathPolicy), At("setRemotePathPolicy", &I::setRemotePathPolicy),
              At("getChangeHandleWarning", &I::getChangeHandleWarning),
              At("setChangeHandleWarning", &I::setChangeHandleWarning),
-             At("takeChangeHandleWarning", &I::takeChangeHandleWarning)}};
+             At("takeChangeHandleWarning", &I::takeChangeHandleWarning), At("getWaitHandle", &I::getWaitHandle)}};
 }
 
 Interface GetStorageSystemInterface() {

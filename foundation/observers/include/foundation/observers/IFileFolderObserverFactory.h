@@ -94,13 +94,6 @@ public:
     /// look at each folder that no watch tells of.
     [[nodiscard]] virtual ChangeReport getChangesSince(ChangeToken token) = 0;
 
-    /// Becomes ready to be read when the kernel has told of something; then getChangesSince says what that means, maybe
-    /// nothing. It stays ready until it is asked. So who waits asks first, then waits, and misses nothing; other
-    /// questions to the factory or its observers may take up what was told, too. Never read or closed by the caller,
-    /// good as long as the factory. Empty when there is none: other storage than disks, or a system short of
-    /// descriptors.
-    [[nodiscard]] virtual std::optional<WaitHandle> getWaitHandle() = 0;
-
     [[nodiscard]] virtual RemotePathPolicy getRemotePathPolicy() const noexcept = 0;
     virtual void setRemotePathPolicy(RemotePathPolicy policy) noexcept = 0;
     [[nodiscard]] virtual ChangeHandleWarning getChangeHandleWarning() const noexcept = 0;
@@ -109,6 +102,13 @@ public:
     /// The warning to be shown: which limit was met, its value and the cure, in English; empty when there is none.
     /// Handed out once. It is also written to the log channel "searchpath::observers", with severity 1.
     [[nodiscard]] virtual std::string takeChangeHandleWarning() = 0;
+
+    /// Becomes ready to be read when the kernel has told of something; then getChangesSince says what that means, maybe
+    /// nothing. It stays ready until it is asked. So who waits asks first, then waits, and misses nothing; other
+    /// questions to the factory or its observers may take up what was told, too. Never read or closed by the caller,
+    /// good as long as the factory. Empty when there is none: other storage than disks, or a system short of
+    /// descriptors.
+    [[nodiscard]] virtual std::optional<WaitHandle> getWaitHandle() = 0;
 };
 
 /// The one observer factory of a storage system; made on first use. The reference is good as long as the caller, or

@@ -41,7 +41,7 @@ class ShellTerminalTest(FolderTest):
         self.assert_answers(program, b"policy", rb"no-adding-or-removing\r\n")
         self.assert_answers(program, b"policy mutability all", rb"\n")
         self.assert_answers(program, b"add alph\t", rb"\n")
-        self.assert_answers(program, b"ad\tit\t", rb"\n")
+        self.assert_answers(program, b"ad\t'it\t", rb"\n")
         self.assert_answers(program, b"show", rb"1  \S*/it's here\r\n +2  \S*/alpha\r\n")
         self.assert_answers(program, b"remove /\t", rb"\n")  # what both have in common, so not on the path
         self.assert_answers(program, b"find bo\t", rb"/alpha/bottom.kx\r\n")

@@ -40,7 +40,7 @@ TEST(WaitHandleTest, IsReadyFromAChangeUntilTheQuestion) {
 }
 
 TEST(WaitHandleTest, SaysWhenWaitingIsNotEnough) {
-    ObservedTree tree({.watchLimit = 3, .remoteFolders = {}}); // less than the way to one folder
+    ObservedTree tree({3, {}}); // less than the way to one folder
     tree.MakeFolder("box");
     const auto observer = tree.Observe("box", ObservationLevel::notification);
     EXPECT_TRUE(tree.factory->getChangesSince({}).hasLookedAtFolders);

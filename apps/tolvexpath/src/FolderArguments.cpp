@@ -113,6 +113,12 @@ void FolderArguments::AddListFile(std::string fileName) {
     sources.push_back({std::move(fileName), true});
 }
 
+bool FolderArguments::NamesFolders() const noexcept {
+    const char* const value = std::getenv(pathVariable);
+    return !sources.empty() ||
+           (value != nullptr && std::string_view(value).find_first_not_of(':') != std::string_view::npos);
+}
+
 bool FolderArguments::ReadsStandardInput() const noexcept {
     return std::any_of(sources.begin(), sources.end(),
                        [](const Source& source) { return source.isListFile && source.text == "-"; });

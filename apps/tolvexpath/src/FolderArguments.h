@@ -29,7 +29,8 @@ public:
     /// character that is no blank is a "#", are passed over. Read when the locations are asked for.
     void AddListFile(std::string fileName);
 
-    [[nodiscard]] bool NamesFolders() const noexcept { return !sources.empty(); }
+    /// Whether there are folders, the variable's included; GetLocations needs some.
+    [[nodiscard]] bool NamesFolders() const noexcept;
     [[nodiscard]] bool ReadsStandardInput() const noexcept;
 
     /// Every folder as it is spelled: "." and ".." stay, since what they mean depends on links. Throws UsageError when

@@ -7,7 +7,7 @@ import unittest
 
 from program import FOUND, FolderTest, OnTerminal, environment, run
 
-COMMANDS = (["entry"], ["find"], ["cache"], ["cache", "write"], ["cache", "check"], ["cache", "show"], ["watch"], ["shell"])
+COMMANDS = (["entry"], ["find"], ["path"], ["shadows"], ["check"], ["cache"], ["cache", "write"], ["cache", "check"], ["cache", "show"], ["watch"], ["shell"])
 
 
 def can_run(*command):

@@ -11,9 +11,9 @@ class ShellTest(FolderTest):
         super().setUp()
         self.make("a/f.kx", "b/f.kx", "b/g.kx", "c c/h.kx", "here/k.kx", "here/+p/x.kx", "it's/i.kx")
 
-    def run_script(self, *lines, arguments=()):
+    def run_script(self, *lines, arguments=(), **options):
         script = "".join(line + "\n" for line in lines).encode("utf-8", "surrogateescape")
-        result = run("shell", *arguments, stdin=script, cwd=self.path("here"))
+        result = run("shell", *arguments, stdin=script, cwd=self.path("here"), **options)
         text = result.out.decode("utf-8", "surrogateescape").replace(os.fsdecode(self.root) + "/", "")
         return result.code, text.splitlines(), result.err.replace(os.fsdecode(self.root) + "/", "").splitlines()
 
@@ -56,6 +56,8 @@ class ShellTest(FolderTest):
         for lines, expected in changes:
             self.assert_shown([*lines, "show"], self.paths(*expected))
         self.assert_shown(["show"], self.paths("b", "a"), arguments=["-p", "../b", "--path", "../a"])
+        for variable, folders in (("../b:../a", ["b", "a"]), (":", [])):
+            self.assert_shown(["show"], self.paths(*folders), env=environment(TOLVEXPATH=variable))
 
     def test_the_current_folder(self):
         self.assert_shown(["find k", "cd ..", "show", "cd here", "find k"],

@@ -53,9 +53,9 @@ NamesOnPath::NamesOnPath(const PathManagement::IPath& path, NameRules nameRules)
         Add(entry, known->second);
         return false;
     });
-    std::ranges::sort(names, {}, [](const Name& name) {
-        return std::tuple(name.owner, name.item->GetNameHash(), name.item->GetNormalizedStem(), name.entry, name.rank,
-                          name.item->GetStem());
+    // Stable: files that a search does not tell apart stay in their folder's order.
+    std::ranges::stable_sort(names, {}, [](const Name& name) {
+        return std::tuple(name.owner, name.item->GetNameHash(), name.item->GetNormalizedStem(), name.entry, name.rank);
     });
 }
 

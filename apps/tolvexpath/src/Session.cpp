@@ -1,7 +1,10 @@
 #include "Session.h"
 
+#include "Messages.h"
 #include "ProgressLine.h"
 
+#include "foundation/environment/StorageAccess.h"
+#include "foundation/observers/IFileFolderObserverFactory.h"
 #include "search_path/Accessors.h"
 #include "search_path/MainSearchPathManagerFactory.h"
 
@@ -27,6 +30,13 @@ Tolvex::Notification Session::SetPath(std::span<const Tolvex::AbsoluteIRI> locat
         [&factory] { return fmt::format("{} folders read", factory.GetCounters().foldersListed); });
     manager->SetPathEntries(PathManagement::CanonicalIRIRange(folders), problems);
     return problems;
+}
+
+void Session::Refresh(PathManagement::RefreshType type) {
+    manager->RefreshPath(type);
+    auto& observers = Tolvex::GetFileFolderObserverFactory(TolvexStorageSystem::GetStorageSystemReference());
+    if (const std::string warning = observers.takeChangeHandleWarning(); !warning.empty())
+        PrintMessage(warning);
 }
 
 } // namespace TolvexPath

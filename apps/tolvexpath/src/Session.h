@@ -24,6 +24,9 @@ public:
     /// as they could be read.
     [[nodiscard]] Tolvex::Notification SetPath(std::span<const Tolvex::AbsoluteIRI> locations);
 
+    /// Refreshes the path; says so when the system gives no more watches for it.
+    void Refresh(PathManagement::RefreshType type);
+
 private:
     boost::shared_ptr<Tolvex::EventMgr> events;
     TolvexComponents::ModularPackageRegistry components;

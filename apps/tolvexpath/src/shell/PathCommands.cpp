@@ -113,7 +113,7 @@ bool Refresh(ShellContext& context, ShellArguments& arguments) {
     const RefreshType type = what == "all"       ? RefreshType::markEverything
                              : what == "current" ? RefreshType::markCurrentFolder
                                                  : RefreshType::knownChanges;
-    return context.Alter([&](auto&) { context.GetManager().RefreshPath(type); });
+    return context.Alter([&](auto&) { context.GetSession().Refresh(type); });
 }
 
 bool Show(ShellContext& context, ShellArguments& arguments) {

@@ -129,9 +129,7 @@ ExitCode WatchCommand::Watch(Session& session) const {
     const WakeUp wakeUp(observers.getWaitHandle());
     Output output;
     const auto writer = CreateChangeWriter(output, asJson);
-    session.GetManager().RefreshPath(PathManagement::RefreshType::knownChanges); // puts the watches in place
-    if (const std::string warning = observers.takeChangeHandleWarning(); !warning.empty())
-        PrintMessage(warning);
+    session.Refresh(PathManagement::RefreshType::knownChanges); // puts the watches in place
     const ChangeTeller teller(session.GetEvents(), *writer);
     writer->BeginWatch(session.GetManager().GetPathIRIs()->size());
     const auto pause = std::chrono::duration_cast<WakeUp::Duration>(std::chrono::duration<double>(interval));

@@ -1,5 +1,6 @@
 """Counts what reading a path asks of the system. The figures may not depend on how many files there are."""
 
+import collections
 import os
 import shutil
 import subprocess
@@ -8,6 +9,7 @@ import unittest
 import program
 
 CALLS = "openat,openat2,statx,newfstatat,fstat,getdents64,close,readlink,readlinkat,faccessat,faccessat2,access"
+ASKING = CALLS + ",read,pread64,poll,ppoll,epoll_wait,inotify_add_watch,inotify_rm_watch"
 LOOSE = {"openat", "close"}  # a thread that starts or not makes a few of these more or fewer
 FILES_IN_ONE_READ = 400  # names of this length that one listing call surely returns
 
@@ -18,18 +20,21 @@ def can_trace():
 
 @unittest.skipUnless(can_trace(), "strace is not installed or not allowed here")
 class SystemCallsTest(program.FolderTest):
-    def count(self, folders):
+    def trace(self, calls, *arguments, **options):
+        """How often the program made each of the calls."""
         log = self.path("log")
         # The leak check of an instrumented program cannot run while it is traced.
         environment = program.environment(ASAN_OPTIONS="detect_leaks=0", LSAN_OPTIONS="detect_leaks=0")
-        strace = ["strace", "-f", "-c", "-o", log, "-e", "trace=" + CALLS]
-        path = [argument for folder in folders for argument in ("-p", folder)]
-        done = subprocess.run([*strace, program.PROGRAM, "find", "wanted", *path], env=environment,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        strace = ["strace", "-f", "-c", "-o", log, "-e", "trace=" + calls]
+        done = subprocess.run([*strace, program.PROGRAM, *arguments], env=environment,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False, **options)
         self.assertEqual(program.FOUND, done.returncode, done.stderr)
         with open(log, encoding="utf-8") as lines:
-            table = [line.split() for line in lines if line.strip() and line.split()[-1] in CALLS.split(",")]
-        return {words[-1]: int(words[3]) for words in table}
+            table = [line.split() for line in lines if line.strip() and line.split()[-1] in calls.split(",")]
+        return collections.Counter({words[-1]: int(words[3]) for words in table})
+
+    def count(self, folders):
+        return self.trace(CALLS, "find", "wanted", *(argument for folder in folders for argument in ("-p", folder)))
 
     def folders(self, name, count, files):
         for folder in range(count):
@@ -47,6 +52,15 @@ class SystemCallsTest(program.FolderTest):
         # Opened, looked at, listed until nothing is left, closed.
         self.assertEqual({"openat2": 1, "statx": 1, "getdents64": 2, "close": 1},
                          {call: cost for call, cost in a_folder.items() if cost})
+
+    def test_a_refresh_that_finds_nothing_changed_costs_one_call(self):
+        # Folders that nobody changes meanwhile, and that have been at rest for longer than the disk's clock is coarse.
+        def refresh(times):
+            script = "set /usr/share /usr/lib\n" + "refresh\n" * times
+            return self.trace(ASKING, "shell", input=script.encode(), cwd="/usr")
+
+        few, many = refresh(10), refresh(110)
+        self.assertEqual({"poll": 100}, {call: many[call] - few[call] for call in many.keys() - LOOSE if many[call] != few[call]})
 
 
 if __name__ == "__main__":

@@ -269,7 +269,8 @@ void MainSearchPathManager::Refresh(RefreshType type) {
     PathEntryRefresher refresher(pathEntryFactory, folderMonitor);
     for (const auto& entry : FindEntriesToAsk(report))
         refresher.Refresh(entry);
-    static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(RefreshType::knownChanges));
+    if (isFrontToBeAsked || report.askEachObserver || !report.changed.empty())
+        static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(RefreshType::knownChanges));
 
     const auto entries = refresher.Replace(installedPaths.Load()->storedPath->GetMainEntries());
     if (!refresher.HasUpdates() && IsCurrentFolderInFront())
@@ -323,9 +324,13 @@ PathEntryVector MainSearchPathManager::FindEntriesToAsk(const Tolvex::ChangeRepo
 }
 
 /// Every entry on the path that the factory answers for has been asked, or was made since.
-void MainSearchPathManager::NoteRefreshed(Tolvex::ChangeToken now) noexcept {
+void MainSearchPathManager::NoteRefreshed(Tolvex::ChangeToken now) {
     refreshedUpTo = now;
     toAsk.sinceRefresh.clear();
+    isFrontToBeAsked =
+        std::ranges::any_of(*installedPaths.Load()->currentFolderPath->GetMainEntries(), [this](const auto& entry) {
+            return pathEntryFactory.GetEntryState(*entry).source == PathEntrySource::unknown;
+        });
 }
 
 PathChange MainSearchPathManager::Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const {
@@ -364,7 +369,7 @@ void MainSearchPathManager::InstallNewPath(const PathChange& change) {
         Refresh(RefreshType::knownChanges);
 }
 
-/// What throws here comes before anything was replaced, but for a lack of memory while levels are set.
+/// What throws here comes before anything was replaced, but for a lack of memory behind the exchange.
 void MainSearchPathManager::Install(const PathChange& change) {
     std::optional<EntriesToAsk> next;
     if (change.paths->storedPath != installedPaths.Load()->storedPath)
@@ -374,6 +379,7 @@ void MainSearchPathManager::Install(const PathChange& change) {
         std::swap(toAsk, *next);
     if (change.refreshedUpTo)
         NoteRefreshed(*change.refreshedUpTo);
+    isFrontToBeAsked = isFrontToBeAsked || change.currentFolderChanged;
     folderMonitor.SetPath(change.paths->monitoredPath);
     UpdateObservation(change);
 }

@@ -65,7 +65,7 @@ private:
     void MarkPathEntriesOutOfDate(RefreshType type) const;
     [[nodiscard]] PathEntryVector FindEntriesToAsk(const Tolvex::ChangeReport& report) const;
     [[nodiscard]] EntriesToAsk FindEntriesToAsk(const PathChange& change) const;
-    void NoteRefreshed(Tolvex::ChangeToken now) noexcept;
+    void NoteRefreshed(Tolvex::ChangeToken now);
     [[nodiscard]] PathChange Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const;
     [[nodiscard]] PathChange Compose() const;
     void InstallNewPath(const PathChange& change);
@@ -88,6 +88,8 @@ private:
         std::make_shared<PathManagerMutabilityPolicy>(PathManagerMutabilityPolicy::allAlterations);
     Tolvex::ChangeToken refreshedUpTo;
     EntriesToAsk toAsk;
+    /// As EntriesToAsk, for what stands for the current folder.
+    bool isFrontToBeAsked = true;
     Tolvex::ScopedConnection registryListener; // last: cut before anything its handler uses goes
 };
 

@@ -60,7 +60,8 @@ class SystemCallsTest(program.FolderTest):
             return self.trace(ASKING, "shell", input=script.encode(), cwd="/usr")
 
         few, many = refresh(10), refresh(110)
-        self.assertEqual({"poll": 100}, {call: many[call] - few[call] for call in many.keys() - LOOSE if many[call] != few[call]})
+        a_refresh = {call: round((many[call] - few[call]) / 100) for call in many}  # threads and tools make some more or fewer
+        self.assertEqual({"poll": 1}, {call: cost for call, cost in a_refresh.items() if cost})
 
 
 if __name__ == "__main__":

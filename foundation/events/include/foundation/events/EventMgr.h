@@ -25,11 +25,10 @@ public:
 
     /// `tag` is for handlers on whose work others build, such as "Level1"; without one a handler runs behind those.
     template <class Event>
-    [[nodiscard]] ScopedConnection Subscribe(std::function<void(const Event&)> handler, std::string tag = {}) {
+    [[nodiscard]] ScopedConnection Subscribe(std::function<void(const Event&)> handler, const std::string& tag = {}) {
         return DoSubscribe(
             typeid(Event),
-            [handler = std::move(handler)](const void* event) { handler(*static_cast<const Event*>(event)); },
-            std::move(tag));
+            [handler = std::move(handler)](const void* event) { handler(*static_cast<const Event*>(event)); }, tag);
     }
 
     /// Publishes in this manager's own way: at once, or, on a local manager, when it is told to deliver.

@@ -108,7 +108,7 @@ bool Move(ShellContext& context, ShellArguments& arguments) {
 bool Refresh(ShellContext& context, ShellArguments& arguments) {
     const std::string what = arguments.TakeOptional().value_or("");
     arguments.CheckNothingIsLeft();
-    if (what != "" && what != "current" && what != "all")
+    if (!what.empty() && what != "current" && what != "all")
         throw UsageError(fmt::format("'{}' is neither 'current' nor 'all'", what));
     const RefreshType type = what == "all"       ? RefreshType::markEverything
                              : what == "current" ? RefreshType::markCurrentFolder

@@ -49,7 +49,7 @@ bool IsBesideWinner(const Facts& facts) {
 std::string ListExtensions(const Question& question) {
     std::string list;
     for (const ustring& extension : *question.extensions)
-        list += (list.empty() ? "" : ",") + ToUtf8(extension);
+        list.append(list.empty() ? "" : ",").append(ToUtf8(extension));
     return list;
 }
 

@@ -47,7 +47,7 @@ std::string DescribeOption(const OptionOutline& option) {
     std::string list;
     for (const std::string& name : option.names) {
         names += (names.empty() ? "" : " ") + name;
-        list += (list.empty() ? "" : ",") + Spell(option, name);
+        list.append(list.empty() ? "" : ",").append(Spell(option, name));
     }
     const std::string value =
         option.value == ValueKind::none ? "" : fmt::format(":{}:{}", option.valueName, GetOffer(option.value));

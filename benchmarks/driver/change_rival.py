@@ -30,8 +30,8 @@ class Importlib:
     def find(self):
         for finder in self.finders:
             finder.invalidate_caches()
-            if spec := finder.find_spec(STEM):
-                return spec.origin
+            if module := finder.find_spec(STEM):
+                return module.origin
         return None
 
     def close(self):

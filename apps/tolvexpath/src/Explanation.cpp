@@ -1,6 +1,7 @@
 #include "Explanation.h"
 
 #include "KindNames.h"
+#include "QualifiedName.h"
 
 #include "path_utilities/PartialPathname.h"
 #include "path_utilities/PathText.h"
@@ -18,6 +19,7 @@ using PathManagement::FilenameMatcher;
 using PathManagement::FoundItem;
 using PathManagement::IPath;
 using PathManagement::IPathEntry;
+using PathManagement::PathEntryType;
 using PathManagement::PathItem;
 using PathManagement::PathItemVector;
 using PathManagement::SearchTarget;
@@ -51,6 +53,15 @@ std::string ListExtensions(const Question& question) {
     for (const ustring& extension : *question.extensions)
         list += (list.empty() ? "" : ",") + ToUtf8(extension);
     return list;
+}
+
+/// Packages and classes that are asked for by their names instead of those of their folders.
+std::string AdviseOnFolders(const Facts& facts) {
+    ustring called(facts.folders);
+    std::ranges::replace(called, u'/', u'.');
+    if (facts.entry.GetPathEntryType() == PathEntryType::mainFolder || facts.entry.GetDescriptor() != called)
+        return {};
+    return fmt::format(" but in '{}'", ToUtf8(GetSpecialFolderNames(facts.entry.GetIRI())));
 }
 
 struct Rule {
@@ -91,7 +102,9 @@ constexpr std::array rulesForOthers{
                                 GetKindName(facts.entry.GetPathEntryType()));
          }},
     Rule{"other-folder", [](const Facts& facts) { return !facts.isInFolders; },
-         [](const Facts& facts) { return fmt::format("its folder does not end in '{}'", ToUtf8(facts.folders)); }},
+         [](const Facts& facts) {
+             return fmt::format("its folder does not end in '{}'{}", ToUtf8(facts.folders), AdviseOnFolders(facts));
+         }},
     Rule{"extension-not-wanted", [](const Facts& facts) { return !facts.hasExtensionInOtherCase; },
          [](const Facts& facts) {
              return facts.item.GetExtension().empty()

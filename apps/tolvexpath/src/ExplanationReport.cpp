@@ -6,11 +6,13 @@
 #include "JsonWriter.h"
 #include "OffPathSearch.h"
 #include "Output.h"
+#include "QualifiedName.h"
 
 #include "path_utilities/PathText.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace TolvexPath {
@@ -45,12 +47,22 @@ void AddNameWithExtension(NearMisses& near, const Finder& finder, const Question
              fmt::format("answers to '{}', the name without its extension", Tolvex::ToUtf8(shorter.name))});
 }
 
+void AddQualifiedName(NearMisses& near, const Finder& finder, const Question& question) {
+    const auto qualified = FindQualified(finder.GetPath(), question);
+    if (!qualified)
+        return;
+    const ustring file = GetStringFromIRI(qualified->file.GetItem().GetIRI());
+    if (std::ranges::find(near.files, file, &NearMiss::file) == near.files.end()) // else it is told why it does not
+        near.files.push_back({file, "qualified-name", DescribeQualified(question, *qualified)});
+}
+
 NearMisses CollectNearMisses(const Finder& finder, const Question& question, const Explanation& explanation) {
     NearMisses near;
     for (const Candidate& candidate : explanation.candidates)
         near.files.push_back({GetStringFromIRI(candidate.file.GetItem().GetIRI()), std::string(candidate.verdict),
                               candidate.reason, true});
     AddNameWithExtension(near, finder, question);
+    AddQualifiedName(near, finder, question);
     OffPathFiles offPath = FindOffPath(finder.GetPath(), question);
     near.isComplete = offPath.isComplete;
     for (const auto& [location, missingFolder] : offPath.files)

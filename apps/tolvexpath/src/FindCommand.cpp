@@ -27,7 +27,8 @@ namespace {
 constexpr const char* help = R"(NAME is the name of a file without its extension. It may have folder names in
 front, as in 'geometry/area' or '+shapes/@Polygon/area': these have to be the last
 names of the file's folder. A plain name is looked for in main folders only, a name
-with folders in every kind of folder, unless --scope says otherwise.
+with folders in every kind of folder, unless --scope says otherwise. Functions of
+packages and methods are named so, too: shapes.square is +shapes/square here.
 
 Without --all the first file in path order is given. In one folder the extension
 that stands first in --ext wins.

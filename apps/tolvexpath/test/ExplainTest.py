@@ -65,7 +65,8 @@ class ExplainTest(FolderTest):
 
     def test_near_misses(self):
         self.make("a/Area.kx", "a/data.txt", "a/private/secret.kx", "a/one/deep.kx", "a/one/two/Deep.kx", "a/one/+p/in.kx",
-                  "a/one/private/deep.kx", "a/one/+p/g.txt")
+                  "a/one/private/deep.kx", "a/one/+p/g.txt", "a/+shapes/square.kx", "a/+shapes/@Prism/Prism.kx", "a/@Poly/side.kx",
+                  "a/@Poly/@Corner/turn.kx")
         os.symlink("..", self.path("a/one/up"))
         off = "folder-not-on-path"
         cases = [
@@ -78,6 +79,12 @@ class ExplainTest(FolderTest):
             (["two/deep"], [("a/one/two/Deep.kx", off, "a/one/two'")]),
             (["deep", "--scope", "private"], [("a/one/private/deep.kx", off, "a/one'")]),
             (["g"], []),
+            (["shapes.square"], [("a/+shapes/square.kx", "qualified-name", "'shapes.square' is +shapes/square")]),
+            (["Poly.side"], [("a/@Poly/side.kx", "qualified-name", "is @Poly/side")]),
+            (["Poly.Corner.turn"], [("a/@Poly/@Corner/turn.kx", "qualified-name", "is @Poly/@Corner/turn")]),
+            (["shapes.Prism"], [("a/+shapes/@Prism/Prism.kx", "qualified-name", "is +shapes/@Prism/Prism")]),
+            (["shapes/square"], [("a/+shapes/square.kx", "other-folder", "does not end in 'shapes' but in '+shapes'")]),
+            (["hapes.square"], []), ([".square"], []), (["shapes.area"], []), (["shapes."], []),
         ]
         for arguments, near in cases:
             with self.subTest(arguments):
@@ -90,7 +97,8 @@ class ExplainTest(FolderTest):
         # Each cure that is offered works.
         for arguments in (["area", "--match", "ignore-case", "-p", "a"], ["data", "--ext", ".txt", "-p", "a"],
                           ["secret", "--scope", "private", "-p", "a"], ["deep", "-p", "a", "-p", "a/one"],
-                          ["+p/in", "-p", "a", "-p", "a/one"]):
+                          ["+p/in", "-p", "a", "-p", "a/one"],
+                          ["+shapes/square", "-p", "a"], ["@Poly/@Corner/turn", "-p", "a"], ["+shapes/@Prism/Prism", "-p", "a"]):
             self.assertEqual(FOUND, self.run_here("find", *arguments).code, arguments)
 
     def test_the_search_off_the_path_has_a_bound(self):

@@ -46,12 +46,17 @@ class FindCommandTest(FolderTest):
         self.assert_files(self.run_here("find", "f", "-p", "gone"))
 
     def test_a_miss_names_what_would_have_been_found(self):
-        self.make("a/Area.kx", "a/+p/deep.kx")
-        for name, hint in (("area", "Area.kx"), ("Area.kx", "Area.kx"), ("deep", "+p/deep.kx"), ("none", None)):
+        self.make("a/Area.kx", "a/+p/deep.kx", "a/+p/@C/m.kx")
+        for name, hint in (("p.deep", "+p/deep.kx"), ("p/deep", "+p/deep.kx"), ("p.C.m", "+p/@C/m.kx"), ("area", "Area.kx"), ("Area.kx", "Area.kx"), ("deep", "+p/deep.kx"), ("none", None)):
             result = self.run_here("find", name, "-p", "a", "--json")
             self.assertEqual((NOT_FOUND, []), (result.code, result.json))
             self.assertEqual(1, len(result.err.splitlines()))
             self.assertEqual(hint is not None, os.fsdecode(self.path(f"a/{hint}")) in result.err, result.err)
+
+        self.assertIn("'p.C.m' is +p/@C/m, in '", self.run_here("find", "p.C.m", "-p", "a").err)
+        absolute = os.fsdecode(self.path("a"))
+        for name, folder in (("./a/Area", "./a"), (f"{absolute}/Area", absolute), ("../x/Area", "../x"), ("/Area", "/")):
+            self.assertIn(f"find 'Area' -p '{folder}'", self.run_here("find", name, "-p", "a/+p").err)
 
     def test_names_are_bytes(self):
         names = ["caf\udce9", "line\nfeed", "caf\u00e9", 'quo"te\\', "\U0001f600", "tab\t\x7f"]

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace TolvexPath {
@@ -156,9 +157,10 @@ public:
 
 private:
     void Gather() {
-        std::size_t place = 0;
+        std::unordered_map<Tolvex::AbsoluteIRI, std::size_t, Tolvex::IRIHash> places;
         for (const auto& main : *path.GetMainEntries()) {
-            ++place;
+            const bool mayStand = main->GetPathEntryType() == PathEntryType::mainFolder;
+            const std::size_t place = mayStand ? places.emplace(main->GetIRI(), places.size() + 1).first->second : 0;
             main->ForEachEntry(PathManagement::SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
                 GatherIn(entry, place);
                 return false;

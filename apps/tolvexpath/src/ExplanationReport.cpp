@@ -103,7 +103,10 @@ private:
         json.BeginObject();
         WriteText("file", GetStringFromIRI(candidate.file.GetItem().GetIRI()));
         json.Key("place");
-        json.Number(candidate.place);
+        if (candidate.place != 0)
+            json.Number(candidate.place);
+        else
+            json.Null();
         WriteText("verdict", FromUtf8(candidate.verdict));
         WriteText("reason", FromUtf8(candidate.reason));
         json.EndObject();
@@ -134,7 +137,7 @@ void ShowCandidates(Output& output, const Explanation& explanation) {
         return;
     output.Write("\nplace  file\n");
     for (const Candidate& candidate : explanation.candidates) {
-        output.Write(fmt::format("{:>5}  {}\n", candidate.place,
+        output.Write(fmt::format("{:>5}  {}\n", candidate.place == 0 ? "-" : std::to_string(candidate.place),
                                  ToDisplayText(GetStringFromIRI(candidate.file.GetItem().GetIRI()))));
         output.Write(fmt::format("       {}: {}\n", candidate.verdict, ShowText(candidate.reason)));
     }

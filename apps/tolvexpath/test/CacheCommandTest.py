@@ -72,6 +72,20 @@ class CacheCommandTest(FolderTest):
             self.assert_files(result, "lib/a.kx")
             self.assertIn(cache, result.err)
 
+    def test_a_file_of_which_nothing_fits_is_told_once(self):
+        self.make("else/lib/a.kx")
+        self.write()
+        told = "no folder of the path is in the cache file 'cache' below 'else'"
+        for trust in ([], ["--trust-cache"]):
+            for command in (["find", "a"], ["path"], ["shadows"], ["entry"]):
+                wrong = self.run_here(*command, *self.folders, "--cache", "cache", "--root", "else", *trust)
+                self.assertEqual(1, wrong.err.count(told), command)
+                self.assertEqual("", self.run_here(*command, *self.folders, "--cache", "cache", "--root", ".", *trust).err)
+        missing = self.run_here("find", "a", "-p", "gone", "--cache", "cache", "--root", "else")
+        self.assertNotIn(told, missing.err)
+        os.rename(self.path("lib/a.kx"), self.path("lib/b.kx"))  # changed since, but in it
+        self.assertEqual("", self.run_here("find", "b", "-p", "lib", "--cache", "cache", "--root", ".").err)
+
     def test_check_and_show_say_where_a_file_is_broken(self):
         self.write()
         with open(self.path("cache"), "rb") as cache:

@@ -48,7 +48,12 @@ class ExplainTest(FolderTest):
             (["f", "--match", "ignore-case", "--ext", ".kx,.KX", "-p", "b"],
              [("b/F.KX", 1, "winner"), ("b/f.kxa", 1, "extension-not-wanted")]),
             (["f", "-p", "b", "-p", "gone", "-p", "b"],
-             [("b/f.kxa", 1, "winner"), ("b/F.KX", 1, "other-case"), ("b/f.kxa", 2, "repeated-folder"), ("b/F.KX", 2, "other-case")]),
+             [("b/f.kxa", 1, "winner"), ("b/F.KX", 1, "other-case"), ("b/f.kxa", 1, "repeated-folder"), ("b/F.KX", 1, "other-case")]),
+            (["f", "-p", "gone", "-p", "a/+p", "-p", "again", "-p", "c/sub", "-p", "b", "--scope", "all", "--ext", ".kxp,.kxa"],
+             [("a/+p/f.kx", None, "extension-not-wanted"), ("a/f.kxp", 1, "winner"), ("a/F.kx", 1, "extension-not-wanted"),
+              ("a/f", 1, "extension-not-wanted"), ("a/f.kx", 1, "extension-not-wanted"), ("a/f.txt", 1, "extension-not-wanted"),
+              ("a/+p/f.kx", 1, "extension-not-wanted"), ("a/private/f.kx", 1, "extension-not-wanted"),
+              ("c/sub/f.kx", 2, "extension-not-wanted"), ("b/f.kxa", 3, "hidden"), ("b/F.KX", 3, "extension-not-wanted")]),
         ]
         for arguments, candidates in cases:
             with self.subTest(arguments):
@@ -158,7 +163,7 @@ Near, but not on the path under this name:
                 self.assertEqual(first, [explained["winner"]] if explained["winner"] else [])
                 wanted = arguments[arguments.index("--ext") + 1].split(",")
                 for candidate in candidates:
-                    self.assertEqual(path[candidate["place"] * 2 - 1],
+                    self.assertEqual(list(dict.fromkeys(path[1::2]))[candidate["place"] - 1],
                                      "/".join(self.named([candidate["file"]])[0].split("/")[:2]))
                     extension = os.path.splitext(candidate["file"])[1]
                     if candidate["verdict"] == "extension-not-wanted":

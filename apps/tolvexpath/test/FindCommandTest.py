@@ -45,6 +45,14 @@ class FindCommandTest(FolderTest):
         self.assertIn(os.fsdecode(self.path("gone")), result.err)
         self.assert_files(self.run_here("find", "f", "-p", "gone"))
 
+    def test_a_folder_that_may_not_stand_on_a_path_is_told_and_looked_into(self):
+        self.make("a/@C/f.kx", "a/+p/f.kx", "a/private/f.kx", "b/f.kx")
+        for name in ("a/@C", "a/+p", "a/private"):
+            result = self.run_here("find", "f", "--all", "--scope", "all", "-p", name, "-p", "b")
+            self.assert_files(result, f"{name}/f.kx", "b/f.kx")
+            left_out = self.run_here("path", "--json", "-p", name, "-p", "b").json["left_out"]
+            self.assertEqual([f"tolvexpath: {item['message']}" for item in left_out], result.err.splitlines())
+
     def test_a_miss_names_what_would_have_been_found(self):
         self.make("a/Area.kx", "a/+p/deep.kx", "a/+p/@C/m.kx")
         for name, hint in (("p.deep", "+p/deep.kx"), ("p/deep", "+p/deep.kx"), ("p.C.m", "+p/@C/m.kx"), ("area", "Area.kx"), ("Area.kx", "Area.kx"), ("deep", "+p/deep.kx"), ("none", None)):

@@ -110,11 +110,13 @@ void WatchCommand::DeclareArguments(CLI::App& arguments) {
 
 ExitCode WatchCommand::Run() {
     const auto locations = folders.GetLocations();
-    cache.Load();
+    const bool isCacheLoaded = cache.Load();
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
     PrintMessages(session.SetPath(locations));
     if (session.GetManager().GetPathIRIs()->empty())
         return ExitCode::notFound;
+    if (isCacheLoaded)
+        cache.TellIfUseless(*session.GetManager().GetPath()->GetMainEntries());
     try {
         return Watch(session);
     } catch (const std::system_error& error) {

@@ -106,6 +106,8 @@ void FindCommand::DeclareArguments(CLI::App& arguments) {
 void FindCommand::CheckArguments() const {
     if (!name && !queries)
         throw UsageError("find needs a NAME or --queries");
+    if (name && name->empty())
+        throw UsageError("the name is empty");
     if (queries == "-" && folders.ReadsStandardInput())
         throw UsageError("the standard input cannot be both the list of folders and the questions");
 }

@@ -102,6 +102,23 @@ class CacheCommandTest(FolderTest):
         self.assertEqual(NOT_FOUND, self.run_here("cache", "check", "broken").code)
         self.assertEqual(FAILURE, self.run_here("cache", "check", "missing").code)
 
+    def test_a_file_that_never_was_one_is_called_so(self):
+        for text in (b"", b"foreign", b" \n", b"<Other>", b"\x7fELF"):
+            with open(self.path("foreign"), "wb") as file:
+                file.write(text)
+            check = self.run_here("cache", "check", "foreign")
+            self.assertEqual(NOT_FOUND, check.code)
+            self.assertTrue(check.err.startswith("tolvexpath: 'foreign' is not a path cache file: "), check.err)
+        with open(self.path("foreign"), "wb") as file:
+            file.write(b'<Harrowfen type="Path Cache File" version="9')
+        self.assertNotIn("is not a path cache file", self.run_here("cache", "check", "foreign").err)
+
+    def test_a_root_that_does_not_fit_is_told(self):
+        missing = self.run_here("cache", "write", "nonexist", *self.folders, "-p", "gone", "-o", "new")
+        self.assertEqual((FAILURE, 1), (missing.code, len(missing.err.splitlines())))
+        self.assertIn("nonexist", missing.err)
+        self.assertIn("name its parent as ROOT", self.run_here("cache", "write", "lib", "-p", "lib", "-o", "new").err)
+
     def test_refusals_name_the_thing_and_keep_the_old_file(self):
         self.write()
         with open(self.path("cache"), "rb") as cache:

@@ -82,7 +82,7 @@ class FindCommandTest(FolderTest):
         for arguments in (["f"], ["f", "--path-file", "/dev/null"], here, ["f", "-p", ""], ["f", *here, "--match", "loose"],
                           ["f", *here, "--scope", "main,folders"], ["f", *here, "--ext", "kx"], ["f", "g", *here],
                           ["f", *here, "--queries", "-"], ["f", *here, "--json", "-0"], ["f", "--path-file", "missing"],
-                          ["f", "--path-file", "a"], ["--queries", "-", "--path-file", "-"], ["--queries", "missing", *here]):
+                          ["", *here], ["f", "--path-file", "a"], ["--queries", "-", "--path-file", "-"], ["--queries", "missing", *here]):
             result = self.run_here("find", *arguments)
             self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
             self.assertRegex(result.err, "^tolvexpath: ")

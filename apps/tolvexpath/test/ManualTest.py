@@ -73,6 +73,9 @@ class ManualTest(FolderTest):
             ("entry --fi\tmy\t", ["entry", "--files", "my box/"]),
             ("cache wr\tmy\t --out\tli\t", ["cache", "write", "my box/", f"--output{joint}list.txt"]),
             ("cache sh\tli\t", ["cache", "show", "list.txt"]),
+            ("find --match ig\t", ["find", "--match", "ignore-case"]),
+            ("find --scope pack\t", ["find", "--scope", "package"]),
+            ("shadows --scope main,ud\t", ["shadows", "--scope", "main,udd"]),
             ("--vers\t", ["--version"]),
             ("shell --no-h\t", ["shell", "--no-history"]),
         ):

@@ -43,7 +43,7 @@ class FolderArgumentsTest(FolderTest):
             self.write("list", f"a\n{name}\n")
             listed = self.find("--path-file", "list")
             self.assert_files(listed, "a/f.kx")
-            self.assertEqual(hint is not None, listed.err.startswith("tolvexpath: list, line 2: there is no folder '"), listed.err)
+            self.assertEqual(hint is not None, listed.err.startswith("tolvexpath: 'list', line 2: there is no folder '"), listed.err)
             self.assertIn(hint or "", listed.err)
             self.assertIn(hint or "", self.find("-p", name, "-p", "a").err)
         self.assertEqual("", self.find("-p", "x:y", "-p", "~z", "-p", "'q'", "-p", "lists/ b").err)

@@ -11,6 +11,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace TolvexPath {
 
 using PathManagement::PathEntryVector;
@@ -29,19 +31,33 @@ void CacheArguments::DeclareOptions(CLI::App& arguments) {
         ->needs(cache);
 }
 
-void CacheArguments::Load() const {
+bool CacheArguments::Load() const {
     if (!file)
-        return;
+        return false;
     try {
         PathManagement::LoadToolboxPathCache(PathManagement::GetPathEntryFactory(), MakeLocation(root), *file);
+        return true;
     } catch (const Tolvex::Exception& refusal) {
         PrintMessage(fmt::format("the cache is not used, the folders are read instead: {}", refusal.what()));
     }
+    return false;
+}
+
+void CacheArguments::TellIfUseless(const PathEntryVector& entries) const {
+    const PathManagement::IPathEntryFactory& factory = PathManagement::GetPathEntryFactory();
+    const auto isMissing = [](const auto& entry) { return entry == nullptr; };
+    const auto isFromFile = [&factory](const auto& entry) {
+        return entry != nullptr && factory.GetEntryState(*entry).source == PathManagement::PathEntrySource::cacheFile;
+    };
+    if (!std::ranges::all_of(entries, isMissing) && std::ranges::none_of(entries, isFromFile))
+        PrintMessage(fmt::format("no folder of the path is in the cache file '{}' below '{}'", *file, root));
 }
 
 PathEntryVector CacheArguments::CreateEntries(const std::vector<Tolvex::AbsoluteIRI>& locations) const {
-    Load();
+    const bool isLoaded = Load();
     PathEntryVector entries = TolvexPath::CreateEntries(locations);
+    if (isLoaded)
+        TellIfUseless(entries);
     if (!file || isTrusted)
         return entries;
     std::vector<Tolvex::AbsoluteIRI> changed;
@@ -57,17 +73,22 @@ PathEntryVector CacheArguments::CreateEntries(const std::vector<Tolvex::Absolute
 
 Tolvex::Notification CacheArguments::SetPath(Session& session,
                                              const std::vector<Tolvex::AbsoluteIRI>& locations) const {
-    Load();
+    const bool isLoaded = Load();
     PathEntryVector looked; // alive until the session has them, so that no folder is listed twice
     if (file && !isTrusted) {
         Tolvex::Notification toldAgain;
         looked = PathManagement::GetPathEntryFactory().CreatePathEntries(
             locations, PathManagement::UniformFolderMonitor(), toldAgain);
+        if (isLoaded)
+            TellIfUseless(looked);
         // Those that are found out of date are not handed out again.
         for (const auto& entry : looked)
             static_cast<void>(entry != nullptr && entry->IsOutOfDate());
     }
-    return session.SetPath(locations);
+    Tolvex::Notification problems = session.SetPath(locations);
+    if (isLoaded && isTrusted)
+        TellIfUseless(*session.GetManager().GetPath()->GetMainEntries());
+    return problems;
 }
 
 } // namespace TolvexPath

@@ -22,8 +22,11 @@ public:
     void DeclareOptions(CLI::App& arguments);
 
     /// Loads the file, if one is named, into the process's factory. One that cannot be used is reported once, and the
-    /// folders are read instead.
-    void Load() const;
+    /// folders are read instead. True when a file was loaded.
+    [[nodiscard]] bool Load() const;
+
+    /// Says so when none of the entries came from the file, as with a wrong root. REQUIRES: a file was loaded.
+    void TellIfUseless(const PathManagement::PathEntryVector& entries) const;
 
     /// Loads the file and has the entries of all locations made, as TolvexPath::CreateEntries does. Folders that
     /// changed since the file was written are listed, unless the file is to be trusted.

@@ -5,6 +5,7 @@
 #include "Messages.h"
 #include "Output.h"
 
+#include "foundation/environment/StorageAccess.h"
 #include "path_utilities/ToolboxCacheFile.h"
 #include "path_utilities/ToolboxCacheReader.h"
 #include "search_path/Accessors.h"
@@ -54,6 +55,17 @@ private:
     bool asJson = false;
 };
 
+/// Tells a broken file from one that never was any; leaves the stream at its beginning.
+bool BeginsAsCacheFile(std::istream& stream) {
+    constexpr std::string_view beginning = "<Harrowfen ";
+    std::string read(beginning.size(), '\0');
+    stream >> std::ws;
+    stream.read(read.data(), static_cast<std::streamsize>(read.size()));
+    stream.clear();
+    stream.seekg(0);
+    return read == beginning;
+}
+
 void CacheCommand::DeclareArguments(CLI::App& arguments) {
     arguments.require_subcommand(1);
     write = arguments.add_subcommand("write", "Record folders of a path that lie below a root");
@@ -78,6 +90,8 @@ ExitCode CacheCommand::Run() {
 }
 
 ExitCode CacheCommand::Write() const {
+    // A root that is missing is told before what of the path lies elsewhere than below it.
+    static_cast<void>(TolvexStorageSystem::GetStorageSystemReference()->openFolder(MakeLocation(root)));
     const Tolvex::CanonicalAbsoluteIRI cacheRoot(MakeLocation(root), {});
     const PathEntryVector entries = CreateEntries(folders.GetLocations());
     std::size_t leftOut = 0;
@@ -86,8 +100,9 @@ ExitCode CacheCommand::Write() const {
                                 entry->GetPathEntryType() == PathManagement::PathEntryType::mainFolder;
         leftOut += !isRecorded;
         if (entry && !isRecorded)
-            PrintMessage(fmt::format("'{}' is left out: only main folders below '{}' are recorded",
-                                     Tolvex::ToUtf8(entry->GetIRI().getPath()), Tolvex::ToUtf8(cacheRoot.getPath())));
+            PrintMessage(fmt::format("'{}' is left out: only main folders below '{}' are recorded{}",
+                                     Tolvex::ToUtf8(entry->GetIRI().getPath()), Tolvex::ToUtf8(cacheRoot.getPath()),
+                                     entry->GetIRI() == cacheRoot ? "; name its parent as ROOT" : ""));
     }
     PathManagement::WriteToolboxPathCache(PathManagement::GetPathEntryFactory(), cacheRoot, file);
     return leftOut == 0 ? ExitCode::success : ExitCode::notFound;
@@ -100,10 +115,11 @@ ExitCode CacheCommand::Read() const {
     Output output;
     const std::unique_ptr<CacheReport> report = CreateCacheReport(output, show->parsed(), asJson);
     std::string message;
+    const bool isOne = BeginsAsCacheFile(stream);
     try {
         PathManagement::ReadToolboxCache(stream, [&](const auto& record) { report->Add(*record); });
     } catch (const PathManagement::ToolboxCacheWrongFormatException& refusal) {
-        message = refusal.what();
+        message = isOne ? refusal.what() : fmt::format("'{}' is not a path cache file: {}", file, refusal.what());
     }
     report->Finish(message);
     output.Flush();

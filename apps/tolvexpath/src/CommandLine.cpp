@@ -9,9 +9,11 @@
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
 #include <map>
+#include <string_view>
 
 namespace TolvexPath {
 
@@ -22,16 +24,46 @@ constexpr const char* overview = R"(Exit status:
   1  nothing found, or a folder could not be read
   2  wrong use, or an input or output failed
 
-Each command has its own --help with examples.)";
+Each command has its own --help with examples; "help COMMAND" shows it, too.)";
+
+/// `path`: the names of the commands that lead to this one, each with a blank behind it.
+std::string DescribeUnused(const CLI::App& command, const std::string& path, const std::string& word) {
+    const std::string owner = path.empty() ? "this program" : path.substr(0, path.size() - 1);
+    if (word.starts_with('-'))
+        return fmt::format("'{}' is no option of {}", word, owner);
+    if (!command.get_subcommands([](const CLI::App*) { return true; }).empty())
+        return fmt::format("'{}' is no command of {}", word, owner);
+    const std::string_view foldersRule =
+        command.get_option_no_throw("--path") == nullptr ? "" : "; every folder needs its own -p";
+    if (command.get_option_no_throw("NAME") != nullptr)
+        return fmt::format("'{}' is too much: one NAME at a time{}", word, foldersRule);
+    return fmt::format("'{}' is too much{}", word, foldersRule);
+}
 
 std::string DescribeWrongUse(const CLI::App* app, const CLI::Error& error) {
-    const auto chosen = app->get_subcommands();
-    const std::string command = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
-    const auto unused = app->remaining();
-    const std::string problem = chosen.empty() && !unused.empty()
-                                    ? fmt::format("'{}' is no command of this program", unused.front())
-                                    : error.what();
-    return fmt::format("{}: {}\nTry '{} {}--help'.\n", programName, problem, programName, command);
+    std::string path;
+    const CLI::App* command = app;
+    for (auto chosen = app->get_subcommands(); !chosen.empty(); chosen = command->get_subcommands()) {
+        command = chosen.front();
+        path += command->get_name() + ' ';
+    }
+    const auto unused = command->remaining();
+    const std::string problem = unused.empty() ? error.what() : DescribeUnused(*command, path, unused.front());
+    return fmt::format("{}: {}\nTry '{} {}--help'.\n", programName, problem, programName, path);
+}
+
+/// "help find" stands for "find --help".
+std::vector<const char*> ResolveHelp(std::vector<const char*> arguments,
+                                     const std::vector<std::unique_ptr<ICommand>>& commands) {
+    if (arguments.size() < 2 || arguments[1] != std::string_view("help"))
+        return arguments;
+    arguments.erase(arguments.begin() + 1);
+    const bool isKnown = arguments.size() < 2 || std::ranges::any_of(commands, [&](const auto& command) {
+                             return command->GetName() == arguments[1];
+                         });
+    if (isKnown) // else it is refused as any other word would be
+        arguments.push_back("--help");
+    return arguments;
 }
 
 /// What the build makes files of; none of a user's business, so not in the help.
@@ -64,7 +96,8 @@ ExitCode ParseAndRun(int argumentCount, const char* const* arguments) {
     }
     DeclareMakingOfFiles(app);
     try {
-        app.parse(argumentCount, arguments);
+        const auto resolved = ResolveHelp({arguments, arguments + argumentCount}, commands);
+        app.parse(static_cast<int>(resolved.size()), resolved.data());
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? ExitCode::success : ExitCode::failure;
     }

@@ -33,7 +33,8 @@ ExitCode AnswerQuestions(const Finder& finder, const std::string& fileName, Outp
         try {
             WriteFoundJson(output, finder.Answer(ReadQuestion(*line)));
         } catch (const UsageError& error) {
-            PrintMessage(fmt::format("{}, line {}: {}", lines.GetDisplayName(), lines.GetLineNumber(), error.what()));
+            PrintMessage(fmt::format("{}, line {}: {}; this line and the rest were not answered",
+                                     lines.GetDisplayName(), lines.GetLineNumber(), error.what()));
             return ExitCode::failure;
         }
     }

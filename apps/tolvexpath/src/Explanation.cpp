@@ -1,6 +1,7 @@
 #include "Explanation.h"
 
 #include "KindNames.h"
+#include "QualifiedName.h"
 
 #include "path_utilities/PartialPathname.h"
 #include "path_utilities/PathText.h"
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace TolvexPath {
@@ -18,6 +20,7 @@ using PathManagement::FilenameMatcher;
 using PathManagement::FoundItem;
 using PathManagement::IPath;
 using PathManagement::IPathEntry;
+using PathManagement::PathEntryType;
 using PathManagement::PathItem;
 using PathManagement::PathItemVector;
 using PathManagement::SearchTarget;
@@ -51,6 +54,15 @@ std::string ListExtensions(const Question& question) {
     for (const ustring& extension : *question.extensions)
         list.append(list.empty() ? "" : ",").append(ToUtf8(extension));
     return list;
+}
+
+/// Packages and classes that are asked for by their names instead of those of their folders.
+std::string AdviseOnFolders(const Facts& facts) {
+    ustring called(facts.folders);
+    std::ranges::replace(called, u'/', u'.');
+    if (facts.entry.GetPathEntryType() == PathEntryType::mainFolder || facts.entry.GetDescriptor() != called)
+        return {};
+    return fmt::format(" but in '{}'", ToUtf8(GetSpecialFolderNames(facts.entry.GetIRI())));
 }
 
 struct Rule {
@@ -91,7 +103,9 @@ constexpr std::array rulesForOthers{
                                 GetKindName(facts.entry.GetPathEntryType()));
          }},
     Rule{"other-folder", [](const Facts& facts) { return !facts.isInFolders; },
-         [](const Facts& facts) { return fmt::format("its folder does not end in '{}'", ToUtf8(facts.folders)); }},
+         [](const Facts& facts) {
+             return fmt::format("its folder does not end in '{}'{}", ToUtf8(facts.folders), AdviseOnFolders(facts));
+         }},
     Rule{"extension-not-wanted", [](const Facts& facts) { return !facts.hasExtensionInOtherCase; },
          [](const Facts& facts) {
              return facts.item.GetExtension().empty()
@@ -143,9 +157,10 @@ public:
 
 private:
     void Gather() {
-        std::size_t place = 0;
+        std::unordered_map<Tolvex::AbsoluteIRI, std::size_t, Tolvex::IRIHash> places;
         for (const auto& main : *path.GetMainEntries()) {
-            ++place;
+            const bool mayStand = main->GetPathEntryType() == PathEntryType::mainFolder;
+            const std::size_t place = mayStand ? places.emplace(main->GetIRI(), places.size() + 1).first->second : 0;
             main->ForEachEntry(PathManagement::SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
                 GatherIn(entry, place);
                 return false;

@@ -12,7 +12,7 @@ namespace TolvexPath {
 /// A file on the path whose name is the wanted one but for its case, its extension and the kind of its folder.
 struct Candidate {
     PathManagement::FoundItem file;
-    std::size_t place = 0;    ///< of its main folder on the path, counted from 1
+    std::size_t place = 0;    ///< of its main folder among those that `path` numbers; 0 when it may not stand there
     std::string_view verdict; ///< one of a fixed set of words, for programs
     std::string reason;       ///< for people
 };

@@ -6,11 +6,13 @@
 #include "JsonWriter.h"
 #include "OffPathSearch.h"
 #include "Output.h"
+#include "QualifiedName.h"
 
 #include "path_utilities/PathText.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace TolvexPath {
@@ -45,12 +47,22 @@ void AddNameWithExtension(NearMisses& near, const Finder& finder, const Question
              fmt::format("answers to '{}', the name without its extension", Tolvex::ToUtf8(shorter.name))});
 }
 
+void AddQualifiedName(NearMisses& near, const Finder& finder, const Question& question) {
+    const auto qualified = FindQualified(finder.GetPath(), question);
+    if (!qualified)
+        return;
+    const ustring file = GetStringFromIRI(qualified->file.GetItem().GetIRI());
+    if (std::ranges::find(near.files, file, &NearMiss::file) == near.files.end()) // else it is told why it does not
+        near.files.push_back({file, "qualified-name", DescribeQualified(question, *qualified)});
+}
+
 NearMisses CollectNearMisses(const Finder& finder, const Question& question, const Explanation& explanation) {
     NearMisses near;
     for (const Candidate& candidate : explanation.candidates)
         near.files.push_back({GetStringFromIRI(candidate.file.GetItem().GetIRI()), std::string(candidate.verdict),
                               candidate.reason, true});
     AddNameWithExtension(near, finder, question);
+    AddQualifiedName(near, finder, question);
     OffPathFiles offPath = FindOffPath(finder.GetPath(), question);
     near.isComplete = offPath.isComplete;
     for (const auto& [location, missingFolder] : offPath.files)
@@ -91,7 +103,10 @@ private:
         json.BeginObject();
         WriteText("file", GetStringFromIRI(candidate.file.GetItem().GetIRI()));
         json.Key("place");
-        json.Number(candidate.place);
+        if (candidate.place != 0)
+            json.Number(candidate.place);
+        else
+            json.Null();
         WriteText("verdict", FromUtf8(candidate.verdict));
         WriteText("reason", FromUtf8(candidate.reason));
         json.EndObject();
@@ -122,7 +137,7 @@ void ShowCandidates(Output& output, const Explanation& explanation) {
         return;
     output.Write("\nplace  file\n");
     for (const Candidate& candidate : explanation.candidates) {
-        output.Write(fmt::format("{:>5}  {}\n", candidate.place,
+        output.Write(fmt::format("{:>5}  {}\n", candidate.place == 0 ? "-" : std::to_string(candidate.place),
                                  ToDisplayText(GetStringFromIRI(candidate.file.GetItem().GetIRI()))));
         output.Write(fmt::format("       {}: {}\n", candidate.verdict, ShowText(candidate.reason)));
     }

@@ -4,6 +4,7 @@
 #include "ExplanationReport.h"
 #include "Finder.h"
 #include "FolderArguments.h"
+#include "FoldersOnPath.h"
 #include "FoundFiles.h"
 #include "Messages.h"
 #include "Output.h"
@@ -27,7 +28,8 @@ namespace {
 constexpr const char* help = R"(NAME is the name of a file without its extension. It may have folder names in
 front, as in 'geometry/area' or '+shapes/@Polygon/area': these have to be the last
 names of the file's folder. A plain name is looked for in main folders only, a name
-with folders in every kind of folder, unless --scope says otherwise.
+with folders in every kind of folder, unless --scope says otherwise. Functions of
+packages and methods are named so, too: shapes.square is +shapes/square here.
 
 Without --all the first file in path order is given. In one folder the extension
 that stands first in --ext wins.
@@ -37,11 +39,12 @@ that stands first in --ext wins.
 policy: 0 exact, 1 ignore case, 2 native; scope: 0 main, 1 package, 2 method,
 3 private, 4 udd, 5 resources. All but the name may be left out and is then what
 the other options say. Blank lines are passed over. Answers come as soon as no
-further question waits.
+further question waits. It ends at the first line that is no question, which the
+message names; the rest is not answered.
 
 --explain lists every file on the path that bears the name, but for case, extension
 and kind of folder, in the order in which a search meets it, with its folder's place
-on the path and why it wins or loses. Where nothing answers it also looks into the
+as 'path' numbers it and why it wins or loses. Where nothing answers it also looks into the
 ordinary folders below the path, at most 10,000 of them.
 
 Examples:
@@ -53,8 +56,9 @@ Examples:
   tolvexpath find mean --ext .txt -0 -p statistics | xargs -0 head
 
 Exit status: 0 found; 1 not found; 2 wrong use. With --queries: 0 every question
-was answered, 2 one was not. A folder that cannot be read is reported, left out and
-has no bearing on the exit status.)";
+was answered, 2 one was not. A folder that cannot be read is reported and left out,
+one that may not stand on a path is reported and looked into; neither has a bearing
+on the exit status.)";
 
 class FindCommand final : public ICommand {
 public:
@@ -102,6 +106,8 @@ void FindCommand::DeclareArguments(CLI::App& arguments) {
 void FindCommand::CheckArguments() const {
     if (!name && !queries)
         throw UsageError("find needs a NAME or --queries");
+    if (name && name->empty())
+        throw UsageError("the name is empty");
     if (queries == "-" && folders.ReadsStandardInput())
         throw UsageError("the standard input cannot be both the list of folders and the questions");
 }
@@ -117,6 +123,9 @@ ExitCode FindCommand::Run() {
 Finder FindCommand::MakeFinder() const {
     SearchDefaults defaults = search.GetDefaults();
     auto entries = std::make_shared<PathEntryVector>(cache.CreateEntries(folders.GetLocations()));
+    Tolvex::Notification wrongKinds;
+    TellWrongKinds(*entries, wrongKinds);
+    PrintMessages(wrongKinds);
     std::erase(*entries, nullptr);
     return {PathManagement::GetCurrentPathFactory().CreatePath(std::move(entries), nullptr), std::move(defaults)};
 }

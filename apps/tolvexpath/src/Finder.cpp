@@ -1,10 +1,14 @@
 #include "Finder.h"
 
+#include "QualifiedName.h"
+
 #include "path_utilities/PartialPathname.h"
 #include "path_utilities/PathItemBlock.h"
 #include "path_utilities/PathText.h"
 
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace TolvexPath {
 
@@ -25,6 +29,18 @@ Question IgnoringCase(Question question) {
 Question InEveryKindOfFolder(Question question) {
     question.scope = SearchScope::All();
     return question;
+}
+
+/// How people name a file to most programs, though not to a search.
+bool IsPlaceOnDisk(ustring_view name) {
+    return name.starts_with(u"/") || name.starts_with(u"./") || name.starts_with(u"../");
+}
+
+std::string AdviseAgainstPlace(ustring_view name) {
+    const std::size_t separator = name.rfind(u'/');
+    const std::string folder = Tolvex::ToUtf8(name.substr(0, std::max<std::size_t>(separator, 1)));
+    return fmt::format("a NAME is no place on the disk; name the folder with -p: find '{}' -p '{}'",
+                       Tolvex::ToUtf8(name.substr(separator + 1)), folder);
 }
 
 } // namespace
@@ -88,7 +104,10 @@ std::string Finder::ExplainMiss(const Question& question) const {
             return fmt::format("'{}' {}",
                                Tolvex::ToUtf8(PathManagement::GetStringFromIRI(found.front().GetItem().GetIRI())),
                                relaxation.explanation);
-    return {};
+    if (const auto qualified = FindQualified(*path, Complete(question)))
+        return fmt::format("{}, in '{}'", DescribeQualified(question, *qualified),
+                           Tolvex::ToUtf8(PathManagement::GetStringFromIRI(qualified->file.GetItem().GetIRI())));
+    return IsPlaceOnDisk(question.name) ? AdviseAgainstPlace(question.name) : "";
 }
 
 } // namespace TolvexPath

@@ -6,6 +6,7 @@
 #include "ProgressLine.h"
 #include "UsageError.h"
 
+#include "foundation/environment/StorageAccess.h"
 #include "foundation/environment/WorkingFolder.h"
 #include "path_utilities/UniformFolderMonitor.h"
 #include "search_path/Accessors.h"
@@ -58,6 +59,38 @@ AbsoluteIRI MakeLocationBelow(std::string_view folder, const std::function<Absol
     return AbsoluteIRI("file", Tolvex::ustring(base().getPath()) + u'/' + path);
 }
 
+/// What somebody may have meant by a name that no folder has; empty when nothing is likely.
+std::string_view GetHint(std::string_view folder) {
+    constexpr std::string_view blanks = " \t";
+    constexpr std::string_view quotes = "'\"";
+    if (folder.starts_with('~'))
+        return "'~' is for the shell to replace; write the folder in full";
+    if (quotes.find(folder.front()) != quotes.npos || quotes.find(folder.back()) != quotes.npos)
+        return "quotes belong to the name here; leave them out";
+    if (blanks.find(folder.front()) != blanks.npos || blanks.find(folder.back()) != blanks.npos)
+        return "blanks at the ends belong to the name here; leave them out";
+    if (folder.find(':') != folder.npos)
+        return "':' separates folders in TOLVEXPATH only; give each its own -p, or its own line of a list";
+    return {};
+}
+
+bool Exists(const AbsoluteIRI& folder) {
+    try {
+        static_cast<void>(TolvexStorageSystem::GetStorageSystemReference()->openFolder(folder));
+    } catch (const Tolvex::StorageError&) {
+        return false;
+    }
+    return true;
+}
+
+/// That the folder is missing is told elsewhere; only names that look like a slip are looked up here. `place` says
+/// where the name stands, with a ": " behind it, or nothing.
+void TellHint(std::string_view folder, const AbsoluteIRI& location, const std::string& place) {
+    const std::string_view hint = GetHint(folder);
+    if (!hint.empty() && !Exists(location))
+        PrintMessage(fmt::format("{}there is no folder '{}': {}", place, folder, hint));
+}
+
 AbsoluteIRI GetWorkingFolder() {
     return Tolvex::GetCurrentWorkingFolder().get();
 }
@@ -73,9 +106,14 @@ void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::strin
     const bool hasOwnFolder = file.IsOnDisk() && !fileName.starts_with("/dev/"); // there: another name of a file
     const auto base = [&] { return hasOwnFolder ? GetFolderOfFile(fileName) : GetWorkingFolder(); };
     LineReader lines(std::move(file));
-    while (const auto line = lines.Next())
-        if (IsFolderLine(*line))
-            locations.push_back(MakeLocationBelow(*line, base));
+    while (auto line = lines.Next()) {
+        if (line->ends_with('\r')) // written on a system whose lines end so
+            line->remove_suffix(1);
+        if (!IsFolderLine(*line))
+            continue;
+        locations.push_back(MakeLocationBelow(*line, base));
+        TellHint(*line, locations.back(), fmt::format("{}, line {}: ", lines.GetDisplayName(), lines.GetLineNumber()));
+    }
 }
 
 void AppendDefaultLocations(std::vector<AbsoluteIRI>& locations) {
@@ -83,8 +121,10 @@ void AppendDefaultLocations(std::vector<AbsoluteIRI>& locations) {
     std::string_view rest = value == nullptr ? "" : value;
     while (!rest.empty()) {
         const std::string_view folder = rest.substr(0, rest.find(':'));
-        if (!folder.empty())
+        if (!folder.empty()) {
             locations.push_back(MakeLocation(folder));
+            TellHint(folder, locations.back(), fmt::format("{}: ", pathVariable));
+        }
         rest.remove_prefix(std::min(folder.size() + 1, rest.size()));
     }
 }
@@ -127,10 +167,12 @@ bool FolderArguments::ReadsStandardInput() const noexcept {
 std::vector<AbsoluteIRI> FolderArguments::GetLocations() const {
     std::vector<AbsoluteIRI> locations;
     for (const Source& source : sources) {
-        if (source.isListFile)
+        if (source.isListFile) {
             AppendListedLocations(locations, source.text);
-        else
-            locations.push_back(MakeLocation(source.text));
+            continue;
+        }
+        locations.push_back(MakeLocation(source.text));
+        TellHint(source.text, locations.back(), "");
     }
     if (sources.empty())
         AppendDefaultLocations(locations);

@@ -26,7 +26,8 @@ public:
     void AddFolder(std::string folder);
     /// A file of folders, one a line; "-" is the standard input. Relative names start from the file's own folder, or
     /// from the working folder when the list comes from elsewhere than the disk. Blank lines, and lines whose first
-    /// character that is no blank is a "#", are passed over. Read when the locations are asked for.
+    /// character that is no blank is a "#", are passed over; a carriage return at the end of a line does not belong to
+    /// the name. Read when the locations are asked for.
     void AddListFile(std::string fileName);
 
     /// Whether there are folders, the variable's included; GetLocations needs some.

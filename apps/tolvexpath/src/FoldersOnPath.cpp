@@ -1,12 +1,34 @@
 #include "FoldersOnPath.h"
 
+#include "foundation/environment/StorageAccess.h"
+#include "path_utilities/PathText.h"
 #include "search_path/Accessors.h"
+
+#include <unordered_map>
 
 namespace TolvexPath {
 
 using PathManagement::FolderMonitoringLevel;
 using PathManagement::IPathEntry;
 using PathManagement::PathEntrySource;
+using PathManagement::PathEntryType;
+
+namespace {
+
+std::string GetRefusal(PathEntryType kind) {
+    switch (kind) {
+    case PathEntryType::packageFolder:
+        return "packageDirectoriesNotAllowedOnPath";
+    case PathEntryType::privateFolder:
+        return "privateDirectoriesNotAllowedOnPath";
+    case PathEntryType::resourcesFolder:
+        return "resourcesDirectoriesNotAllowedOnPath";
+    default:
+        return "methodDirectoriesNotAllowedOnPath"; // a class within a class, too
+    }
+}
+
+} // namespace
 
 std::vector<FolderOnPath> DescribeFolders(const PathManagement::IPath& path) {
     const PathManagement::IPathEntryFactory& factory = PathManagement::GetPathEntryFactory();
@@ -14,6 +36,27 @@ std::vector<FolderOnPath> DescribeFolders(const PathManagement::IPath& path) {
     for (const auto& entry : *path.GetMainEntries())
         folders.push_back({entry, CountFiles(*entry), factory.GetEntryState(*entry)});
     return folders;
+}
+
+void TellWrongKinds(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems) {
+    for (const auto& entry : entries)
+        if (entry != nullptr && entry->GetPathEntryType() != PathEntryType::mainFolder)
+            problems.Add({"TOLVEX:tpath",
+                          GetRefusal(entry->GetPathEntryType()),
+                          {PathManagement::GetStringFromIRI(entry->GetIRI())}});
+}
+
+std::vector<RepeatedFolder> FindRepeatedFolders(std::span<const Tolvex::AbsoluteIRI> locations) {
+    const Tolvex::StorageSystemReference storage = TolvexStorageSystem::GetStorageSystemReference();
+    std::unordered_map<Tolvex::AbsoluteIRI, const Tolvex::AbsoluteIRI*, Tolvex::IRIHash> first;
+    std::vector<RepeatedFolder> repeated;
+    for (const Tolvex::AbsoluteIRI& location : locations) {
+        const Tolvex::CanonicalAbsoluteIRI folder = storage->canonicalise(location);
+        const auto [known, isNew] = first.emplace(folder, &location);
+        if (!isNew)
+            repeated.push_back({location, *known->second, folder});
+    }
+    return repeated;
 }
 
 std::size_t CountFiles(const IPathEntry& entry) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "foundation/messages/Notification.h"
 #include "path_interfaces/IPath.h"
 #include "path_interfaces/IPathEntryFactory.h"
 
+#include <span>
+#include <string>
 #include <string_view>
 
 namespace TolvexPath {
@@ -16,6 +19,20 @@ struct FolderOnPath {
 
 /// The main folders of a path in order, with what the process's factory knows of them.
 [[nodiscard]] std::vector<FolderOnPath> DescribeFolders(const PathManagement::IPath& path);
+
+/// Adds for each folder that may not stand on a path by itself the message with which a path leaves it out. Null
+/// entries are passed over.
+void TellWrongKinds(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems);
+
+/// A folder that is named again, by the same name or through a link.
+struct RepeatedFolder {
+    Tolvex::AbsoluteIRI location;
+    Tolvex::AbsoluteIRI first; ///< how it is named at its first place
+    Tolvex::CanonicalAbsoluteIRI folder;
+};
+
+/// By what the names lead to; in the order of the locations.
+[[nodiscard]] std::vector<RepeatedFolder> FindRepeatedFolders(std::span<const Tolvex::AbsoluteIRI> locations);
 
 [[nodiscard]] std::size_t CountFiles(const PathManagement::IPathEntry& entry);
 

@@ -1,5 +1,7 @@
 #include "OffPathSearch.h"
 
+#include "QualifiedName.h"
+
 #include "foundation/environment/StorageAccess.h"
 #include "path_utilities/PartialPathname.h"
 #include "path_utilities/PathEntryTypeRules.h"
@@ -13,19 +15,12 @@
 namespace TolvexPath {
 
 using PathManagement::IPath;
-using PathManagement::PathEntryType;
 using Tolvex::AbsoluteIRI;
 using Tolvex::CanonicalAbsoluteIRI;
 using Tolvex::FolderListing;
 using Tolvex::ustring_view;
 
 namespace {
-
-AbsoluteIRI GetNearestMainFolder(AbsoluteIRI folder) {
-    while (folder.hasParent() && PathManagement::GetPathEntryTypeFromLocation(folder) != PathEntryType::mainFolder)
-        folder = folder.getParent();
-    return folder;
-}
 
 class OffPathSearch {
 public:

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
 #include <utility>
 
 namespace TolvexPath {
@@ -94,16 +93,11 @@ private:
         });
     }
 
-    /// By what the names lead to, so that a folder is known under its links, too.
     void TellRepeated() {
-        std::unordered_map<AbsoluteIRI, const AbsoluteIRI*, Tolvex::IRIHash> first;
-        for (const AbsoluteIRI& location : locations) {
-            const auto [known, isNew] = first.emplace(storage->canonicalise(location), &location);
-            if (isNew)
-                continue;
-            const std::string earlier = ToUtf8(GetStringFromIRI(*known->second));
+        for (const auto& [location, first, folder] : FindRepeatedFolders(locations)) {
+            const std::string earlier = ToUtf8(GetStringFromIRI(first));
             Tell("repeated-folder", GetStringFromIRI(location),
-                 location == *known->second
+                 location == first
                      ? "The folder is named before; only its first place counts. Name it once."
                      : fmt::format("The folder is named before as '{}'; only its first place counts. Name it once.",
                                    earlier));

@@ -14,6 +14,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace TolvexPath {
 
 namespace {
@@ -22,7 +24,9 @@ constexpr const char* help = R"(The path as an environment would have it: missin
 on a path by themselves, are left out, and of two names of one folder the first
 counts. Files are counted with those of the special folders below. 'watched' is how
 changes are to be noticed: where the kernel gives no notification, as on network
-drives, a time check stands in.
+drives, a time check stands in. So it does below the installation folder
+(TOLVEX_ROOT): its folders are many and change with a new version at most, so that
+no kernel watches are spent on them.
 
 Examples:
   tolvexpath path -p geometry -p statistics
@@ -45,7 +49,32 @@ private:
     bool asJson = false;
 };
 
-void WriteJson(Output& output, const std::vector<FolderOnPath>& folders, const Tolvex::Notification& leftOut) {
+struct LeftOut {
+    std::string id;
+    std::string message;
+};
+
+/// What the path refused, then what it has already.
+std::vector<LeftOut> CollectLeftOut(const Tolvex::Notification& refused, std::span<const Tolvex::AbsoluteIRI> locations,
+                                    const PathManagement::IMainSearchPathManager& manager) {
+    std::vector<LeftOut> leftOut;
+    refused.ForEach([&leftOut](const Tolvex::Notification::Entry& problem) {
+        leftOut.push_back({problem.message.GetFullName(), Tolvex::GetMessageText(problem.message)});
+        return false;
+    });
+    const auto onPath = manager.GetPathIRIs();
+    for (const auto& [location, first, folder] : FindRepeatedFolders(locations)) {
+        const auto place = std::ranges::find(*onPath, folder);
+        if (place != onPath->end()) // else it was refused each time
+            leftOut.push_back(
+                {"tolvexpath:repeatedFolder",
+                 fmt::format("The folder '{}' has place {} already.",
+                             Tolvex::ToUtf8(PathManagement::GetStringFromIRI(location)), place - onPath->begin() + 1)});
+    }
+    return leftOut;
+}
+
+void WriteJson(Output& output, const std::vector<FolderOnPath>& folders, const std::vector<LeftOut>& leftOut) {
     JsonWriter json(output);
     const auto write = [&json](std::string_view key, Tolvex::ustring_view text) {
         json.Key(key);
@@ -67,13 +96,12 @@ void WriteJson(Output& output, const std::vector<FolderOnPath>& folders, const T
     json.EndArray();
     json.Key("left_out");
     json.BeginArray();
-    leftOut.ForEach([&](const Tolvex::Notification::Entry& problem) {
+    for (const auto& [id, message] : leftOut) {
         json.BeginObject();
-        write("id", Tolvex::FromUtf8(problem.message.GetFullName()));
-        write("message", Tolvex::FromUtf8(Tolvex::GetMessageText(problem.message)));
+        write("id", Tolvex::FromUtf8(id));
+        write("message", Tolvex::FromUtf8(message));
         json.EndObject();
-        return false;
-    });
+    }
     json.EndArray();
     json.EndObject();
     output.Write('\n');
@@ -94,14 +122,12 @@ void ShowFolders(Output& output, const std::vector<FolderOnPath>& folders) {
                                  ToDisplayText(PathManagement::GetStringFromIRI(entry->GetIRI()))));
 }
 
-void ShowLeftOut(Output& output, const Tolvex::Notification& leftOut) {
-    if (leftOut.IsEmpty())
+void ShowLeftOut(Output& output, const std::vector<LeftOut>& leftOut) {
+    if (leftOut.empty())
         return;
     output.Write("\nLeft out:\n");
-    leftOut.ForEach([&output](const Tolvex::Notification::Entry& problem) {
-        output.Write("  " + ToDisplayText(Tolvex::FromUtf8(Tolvex::GetMessageText(problem.message))) + "\n");
-        return false;
-    });
+    for (const auto& [id, message] : leftOut)
+        output.Write("  " + ToDisplayText(Tolvex::FromUtf8(message)) + "\n");
 }
 
 void PathCommand::DeclareArguments(CLI::App& arguments) {
@@ -113,7 +139,9 @@ void PathCommand::DeclareArguments(CLI::App& arguments) {
 
 ExitCode PathCommand::Run() {
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
-    const Tolvex::Notification leftOut = cache.SetPath(session, folders.GetLocations());
+    const auto locations = folders.GetLocations();
+    const Tolvex::Notification refused = cache.SetPath(session, locations);
+    const std::vector<LeftOut> leftOut = CollectLeftOut(refused, locations, session.GetManager());
     const std::vector<FolderOnPath> onPath = DescribeFolders(*session.GetManager().GetPath());
     Output output;
     if (asJson) {
@@ -123,7 +151,7 @@ ExitCode PathCommand::Run() {
         ShowLeftOut(output, leftOut);
     }
     output.Flush();
-    return leftOut.IsEmpty() ? ExitCode::success : ExitCode::notFound;
+    return leftOut.empty() ? ExitCode::success : ExitCode::notFound;
 }
 
 } // namespace

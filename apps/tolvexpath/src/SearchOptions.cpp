@@ -81,6 +81,19 @@ std::string ListUsualExtensions() {
 
 } // namespace
 
+std::vector<std::string> ListWords(std::string_view valueName) {
+    std::vector<std::string> words;
+    if (valueName == matchValueName)
+        for (const auto& [word, policy] : policies)
+            words.emplace_back(word);
+    if (valueName == scopeValueName) {
+        words.emplace_back("all");
+        for (const auto& [word, kind] : kindNames)
+            words.emplace_back(word);
+    }
+    return words;
+}
+
 void SearchOptions::DeclareOptions(CLI::App& arguments) {
     arguments.add_flag("-a,--all", all, "Give every file that answers, winners first");
     DeclareRules(arguments);
@@ -91,10 +104,10 @@ void SearchOptions::DeclareRules(CLI::App& arguments) {
         ->type_name(".A,.B");
     arguments
         .add_option("--match", match, "How names compare: exact, ignore-case or native, as the disk does [native]")
-        ->type_name("HOW");
+        ->type_name(std::string(matchValueName));
     arguments
         .add_option("--scope", scope, "Kinds of folders: all, or some of main,package,method,private,udd,resources")
-        ->type_name("KINDS");
+        ->type_name(std::string(scopeValueName));
 }
 
 SearchDefaults SearchOptions::GetDefaults() const {

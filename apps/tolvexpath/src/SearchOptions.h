@@ -4,12 +4,22 @@
 #include "Question.h"
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace CLI {
 class App;
 }
 
 namespace TolvexPath {
+
+/// What --match and --scope call their values in the help.
+inline constexpr std::string_view matchValueName = "HOW";
+inline constexpr std::string_view scopeValueName = "KINDS";
+
+/// The words that stand for a value by its name in the help; none for values of any other name. Those of --scope may be
+/// given several at once, with commas.
+[[nodiscard]] std::vector<std::string> ListWords(std::string_view valueName);
 
 /// The options that say how files are looked for: --all, --ext, --match and --scope.
 class SearchOptions {

@@ -72,6 +72,20 @@ class CacheCommandTest(FolderTest):
             self.assert_files(result, "lib/a.kx")
             self.assertIn(cache, result.err)
 
+    def test_a_file_of_which_nothing_fits_is_told_once(self):
+        self.make("else/lib/a.kx")
+        self.write()
+        told = "no folder of the path is in the cache file 'cache' below 'else'"
+        for trust in ([], ["--trust-cache"]):
+            for command in (["find", "a"], ["path"], ["shadows"], ["entry"]):
+                wrong = self.run_here(*command, *self.folders, "--cache", "cache", "--root", "else", *trust)
+                self.assertEqual(1, wrong.err.count(told), command)
+                self.assertEqual("", self.run_here(*command, *self.folders, "--cache", "cache", "--root", ".", *trust).err)
+        missing = self.run_here("find", "a", "-p", "gone", "--cache", "cache", "--root", "else")
+        self.assertNotIn(told, missing.err)
+        os.rename(self.path("lib/a.kx"), self.path("lib/b.kx"))  # changed since, but in it
+        self.assertEqual("", self.run_here("find", "b", "-p", "lib", "--cache", "cache", "--root", ".").err)
+
     def test_check_and_show_say_where_a_file_is_broken(self):
         self.write()
         with open(self.path("cache"), "rb") as cache:
@@ -87,6 +101,23 @@ class CacheCommandTest(FolderTest):
                          (shown.code, shown.json["ok"], [folder["name"] for folder in shown.json["folders"]]))
         self.assertEqual(NOT_FOUND, self.run_here("cache", "check", "broken").code)
         self.assertEqual(FAILURE, self.run_here("cache", "check", "missing").code)
+
+    def test_a_file_that_never_was_one_is_called_so(self):
+        for text in (b"", b"foreign", b" \n", b"<Other>", b"\x7fELF"):
+            with open(self.path("foreign"), "wb") as file:
+                file.write(text)
+            check = self.run_here("cache", "check", "foreign")
+            self.assertEqual(NOT_FOUND, check.code)
+            self.assertTrue(check.err.startswith("tolvexpath: 'foreign' is not a path cache file: "), check.err)
+        with open(self.path("foreign"), "wb") as file:
+            file.write(b'<Harrowfen type="Path Cache File" version="9')
+        self.assertNotIn("is not a path cache file", self.run_here("cache", "check", "foreign").err)
+
+    def test_a_root_that_does_not_fit_is_told(self):
+        missing = self.run_here("cache", "write", "nonexist", *self.folders, "-p", "gone", "-o", "new")
+        self.assertEqual((FAILURE, 1), (missing.code, len(missing.err.splitlines())))
+        self.assertIn("nonexist", missing.err)
+        self.assertIn("name its parent as ROOT", self.run_here("cache", "write", "lib", "-p", "lib", "-o", "new").err)
 
     def test_refusals_name_the_thing_and_keep_the_old_file(self):
         self.write()

@@ -48,7 +48,12 @@ class ExplainTest(FolderTest):
             (["f", "--match", "ignore-case", "--ext", ".kx,.KX", "-p", "b"],
              [("b/F.KX", 1, "winner"), ("b/f.kxa", 1, "extension-not-wanted")]),
             (["f", "-p", "b", "-p", "gone", "-p", "b"],
-             [("b/f.kxa", 1, "winner"), ("b/F.KX", 1, "other-case"), ("b/f.kxa", 2, "repeated-folder"), ("b/F.KX", 2, "other-case")]),
+             [("b/f.kxa", 1, "winner"), ("b/F.KX", 1, "other-case"), ("b/f.kxa", 1, "repeated-folder"), ("b/F.KX", 1, "other-case")]),
+            (["f", "-p", "gone", "-p", "a/+p", "-p", "again", "-p", "c/sub", "-p", "b", "--scope", "all", "--ext", ".kxp,.kxa"],
+             [("a/+p/f.kx", None, "extension-not-wanted"), ("a/f.kxp", 1, "winner"), ("a/F.kx", 1, "extension-not-wanted"),
+              ("a/f", 1, "extension-not-wanted"), ("a/f.kx", 1, "extension-not-wanted"), ("a/f.txt", 1, "extension-not-wanted"),
+              ("a/+p/f.kx", 1, "extension-not-wanted"), ("a/private/f.kx", 1, "extension-not-wanted"),
+              ("c/sub/f.kx", 2, "extension-not-wanted"), ("b/f.kxa", 3, "hidden"), ("b/F.KX", 3, "extension-not-wanted")]),
         ]
         for arguments, candidates in cases:
             with self.subTest(arguments):
@@ -65,7 +70,8 @@ class ExplainTest(FolderTest):
 
     def test_near_misses(self):
         self.make("a/Area.kx", "a/data.txt", "a/private/secret.kx", "a/one/deep.kx", "a/one/two/Deep.kx", "a/one/+p/in.kx",
-                  "a/one/private/deep.kx", "a/one/+p/g.txt")
+                  "a/one/private/deep.kx", "a/one/+p/g.txt", "a/+shapes/square.kx", "a/+shapes/@Prism/Prism.kx", "a/@Poly/side.kx",
+                  "a/@Poly/@Corner/turn.kx")
         os.symlink("..", self.path("a/one/up"))
         off = "folder-not-on-path"
         cases = [
@@ -78,6 +84,12 @@ class ExplainTest(FolderTest):
             (["two/deep"], [("a/one/two/Deep.kx", off, "a/one/two'")]),
             (["deep", "--scope", "private"], [("a/one/private/deep.kx", off, "a/one'")]),
             (["g"], []),
+            (["shapes.square"], [("a/+shapes/square.kx", "qualified-name", "'shapes.square' is +shapes/square")]),
+            (["Poly.side"], [("a/@Poly/side.kx", "qualified-name", "is @Poly/side")]),
+            (["Poly.Corner.turn"], [("a/@Poly/@Corner/turn.kx", "qualified-name", "is @Poly/@Corner/turn")]),
+            (["shapes.Prism"], [("a/+shapes/@Prism/Prism.kx", "qualified-name", "is +shapes/@Prism/Prism")]),
+            (["shapes/square"], [("a/+shapes/square.kx", "other-folder", "does not end in 'shapes' but in '+shapes'")]),
+            (["hapes.square"], []), ([".square"], []), (["shapes.area"], []), (["shapes."], []),
         ]
         for arguments, near in cases:
             with self.subTest(arguments):
@@ -90,7 +102,8 @@ class ExplainTest(FolderTest):
         # Each cure that is offered works.
         for arguments in (["area", "--match", "ignore-case", "-p", "a"], ["data", "--ext", ".txt", "-p", "a"],
                           ["secret", "--scope", "private", "-p", "a"], ["deep", "-p", "a", "-p", "a/one"],
-                          ["+p/in", "-p", "a", "-p", "a/one"]):
+                          ["+p/in", "-p", "a", "-p", "a/one"],
+                          ["+shapes/square", "-p", "a"], ["@Poly/@Corner/turn", "-p", "a"], ["+shapes/@Prism/Prism", "-p", "a"]):
             self.assertEqual(FOUND, self.run_here("find", *arguments).code, arguments)
 
     def test_the_search_off_the_path_has_a_bound(self):
@@ -150,7 +163,7 @@ Near, but not on the path under this name:
                 self.assertEqual(first, [explained["winner"]] if explained["winner"] else [])
                 wanted = arguments[arguments.index("--ext") + 1].split(",")
                 for candidate in candidates:
-                    self.assertEqual(path[candidate["place"] * 2 - 1],
+                    self.assertEqual(list(dict.fromkeys(path[1::2]))[candidate["place"] - 1],
                                      "/".join(self.named([candidate["file"]])[0].split("/")[:2]))
                     extension = os.path.splitext(candidate["file"])[1]
                     if candidate["verdict"] == "extension-not-wanted":

@@ -45,13 +45,26 @@ class FindCommandTest(FolderTest):
         self.assertIn(os.fsdecode(self.path("gone")), result.err)
         self.assert_files(self.run_here("find", "f", "-p", "gone"))
 
+    def test_a_folder_that_may_not_stand_on_a_path_is_told_and_looked_into(self):
+        self.make("a/@C/f.kx", "a/+p/f.kx", "a/private/f.kx", "b/f.kx")
+        for name in ("a/@C", "a/+p", "a/private"):
+            result = self.run_here("find", "f", "--all", "--scope", "all", "-p", name, "-p", "b")
+            self.assert_files(result, f"{name}/f.kx", "b/f.kx")
+            left_out = self.run_here("path", "--json", "-p", name, "-p", "b").json["left_out"]
+            self.assertEqual([f"tolvexpath: {item['message']}" for item in left_out], result.err.splitlines())
+
     def test_a_miss_names_what_would_have_been_found(self):
-        self.make("a/Area.kx", "a/+p/deep.kx")
-        for name, hint in (("area", "Area.kx"), ("Area.kx", "Area.kx"), ("deep", "+p/deep.kx"), ("none", None)):
+        self.make("a/Area.kx", "a/+p/deep.kx", "a/+p/@C/m.kx")
+        for name, hint in (("p.deep", "+p/deep.kx"), ("p/deep", "+p/deep.kx"), ("p.C.m", "+p/@C/m.kx"), ("area", "Area.kx"), ("Area.kx", "Area.kx"), ("deep", "+p/deep.kx"), ("none", None)):
             result = self.run_here("find", name, "-p", "a", "--json")
             self.assertEqual((NOT_FOUND, []), (result.code, result.json))
             self.assertEqual(1, len(result.err.splitlines()))
             self.assertEqual(hint is not None, os.fsdecode(self.path(f"a/{hint}")) in result.err, result.err)
+
+        self.assertIn("'p.C.m' is +p/@C/m, in '", self.run_here("find", "p.C.m", "-p", "a").err)
+        absolute = os.fsdecode(self.path("a"))
+        for name, folder in (("./a/Area", "./a"), (f"{absolute}/Area", absolute), ("../x/Area", "../x"), ("/Area", "/")):
+            self.assertIn(f"find 'Area' -p '{folder}'", self.run_here("find", name, "-p", "a/+p").err)
 
     def test_names_are_bytes(self):
         names = ["caf\udce9", "line\nfeed", "caf\u00e9", 'quo"te\\', "\U0001f600", "tab\t\x7f"]
@@ -69,7 +82,7 @@ class FindCommandTest(FolderTest):
         for arguments in (["f"], ["f", "--path-file", "/dev/null"], here, ["f", "-p", ""], ["f", *here, "--match", "loose"],
                           ["f", *here, "--scope", "main,folders"], ["f", *here, "--ext", "kx"], ["f", "g", *here],
                           ["f", *here, "--queries", "-"], ["f", *here, "--json", "-0"], ["f", "--path-file", "missing"],
-                          ["f", "--path-file", "a"], ["--queries", "-", "--path-file", "-"], ["--queries", "missing", *here]):
+                          ["", *here], ["f", "--path-file", "a"], ["--queries", "-", "--path-file", "-"], ["--queries", "missing", *here]):
             result = self.run_here("find", *arguments)
             self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
             self.assertRegex(result.err, "^tolvexpath: ")

@@ -26,6 +26,7 @@ class FolderArgumentsTest(FolderTest):
             ("absolute names", self.path("b") + b"\n" + self.path("a"), ["b", "a"]),
             ("comments and blank lines", "# one\n\n  # two\n \t\r\na\n\t#\n./#c\n./ b\n", ["lists/a", "lists/#c", "lists/ b"]),
             ("blanks belong to a name", " b\n", ["lists/ b"]),
+            ("lines may end in two characters", "a\r\n# \r\n\r\n../c\r\n b\r", ["lists/a", "c", "lists/ b"]),
             ("a mark inside a name is none", "../lists/#c\n", ["lists/#c"]),
         ]
         for title, text, folders in cases:
@@ -34,6 +35,18 @@ class FolderArgumentsTest(FolderTest):
                 with self.subTest(title, spelling=spelling):
                     result = run("find", "f", "--all", "--path-file", spelling, cwd=cwd)
                     self.assert_files(result, *(f"{folder}/f.kx" for folder in folders))
+
+    def test_likely_slips_in_names_that_no_folder_has(self):
+        self.make("x:y/f.kx", "~z/f.kx", "'q'/f.kx")
+        for name, hint in (("~/lib", "write the folder in full"), ('"a"', "quotes"), ("'a'", "quotes"), ("a ", "blanks"),
+                           ("\ta", "blanks"), ("a:b", "its own -p"), ("gone", None)):
+            self.write("list", f"a\n{name}\n")
+            listed = self.find("--path-file", "list")
+            self.assert_files(listed, "a/f.kx")
+            self.assertEqual(hint is not None, listed.err.startswith("tolvexpath: 'list', line 2: there is no folder '"), listed.err)
+            self.assertIn(hint or "", listed.err)
+            self.assertIn(hint or "", self.find("-p", name, "-p", "a").err)
+        self.assertEqual("", self.find("-p", "x:y", "-p", "~z", "-p", "'q'", "-p", "lists/ b").err)
 
     def test_a_list_that_is_no_file_starts_from_the_working_folder(self):
         self.assert_files(self.find("--path-file", "-", stdin=b"#\nb\na\n"), "b/f.kx", "a/f.kx")

@@ -5,7 +5,7 @@ import shutil
 import subprocess
 import unittest
 
-from program import FOUND, FolderTest, OnTerminal, environment, run
+from program import FAILURE, FOUND, FolderTest, OnTerminal, environment, run
 
 COMMANDS = (["entry"], ["find"], ["path"], ["shadows"], ["check"], ["cache"], ["cache", "write"], ["cache", "check"], ["cache", "show"], ["watch"], ["shell"])
 
@@ -34,6 +34,26 @@ class ManualTest(FolderTest):
                 if not line.startswith(" ") and line.endswith(".") and "Usage" not in line:
                     self.assertTrue({line, line.strip()} & lines or line + "." in lines, line)
 
+    def test_help_as_a_command(self):
+        for command in ([], *COMMANDS):
+            self.assertEqual(run(*command, "--help").out, run("help", *command).out, command)
+        self.assertEqual(FAILURE, run("help", "frob").code)
+
+    def test_wrong_use_is_named_where_it_is(self):
+        for arguments, problem, page in (
+            (["frob"], "'frob' is no command of this program", ""),
+            (["help", "frob"], "'frob' is no command of this program", ""),
+            (["--hlep"], "'--hlep' is no option of this program", ""),
+            (["cache", "frob"], "'frob' is no command of cache", "cache "),
+            (["cache", "check"], "FILE is required", "cache check "),
+            (["cache", "check", "a", "b"], "'b' is too much", "cache check "),
+            (["find", "f", "--hlep"], "'--hlep' is no option of find", "find "),
+            (["find", "f", "-p", "a", "b"], "'b' is too much: one NAME at a time; every folder needs its own -p", "find "),
+            (["path", "a"], "'a' is too much; every folder needs its own -p", "path "),
+        ):
+            result = run(*arguments)
+            self.assertEqual((FAILURE, f"tolvexpath: {problem}\nTry 'tolvexpath {page}--help'.\n"), (result.code, result.err))
+
     @unittest.skipUnless(can_run("mandoc", "/dev/null"), "mandoc is not installed")
     def test_the_page_is_well_formed(self):
         lint = subprocess.run(["mandoc", "-Tlint", "-Wwarning", self.write("--man")[0]], capture_output=True, check=False)
@@ -53,6 +73,9 @@ class ManualTest(FolderTest):
             ("entry --fi\tmy\t", ["entry", "--files", "my box/"]),
             ("cache wr\tmy\t --out\tli\t", ["cache", "write", "my box/", f"--output{joint}list.txt"]),
             ("cache sh\tli\t", ["cache", "show", "list.txt"]),
+            ("find --match ig\t", ["find", "--match", "ignore-case"]),
+            ("find --scope pack\t", ["find", "--scope", "package"]),
+            ("shadows --scope main,ud\t", ["shadows", "--scope", "main,udd"]),
             ("--vers\t", ["--version"]),
             ("shell --no-h\t", ["shell", "--no-history"]),
         ):

@@ -28,7 +28,10 @@ class PathCommandTest(FolderTest):
         cases = [
             (["a", "b"], [a, b], []),
             (["b", "a"], [b, a], []),
-            (["link", "b", "a"], [a, b], []),  # the first name of a folder counts
+            (["link", "b", "a"], [a, b], [("tolvexpath:repeatedFolder", "a")]),  # the first name of a folder counts
+            (["gone", "b", "a", "link", "gone", "a/+p", "a/+p", "b"], [b, a],
+             [(missing, "gone"), (missing, "gone"), (wrong_kind("package"), "a/+p"), (wrong_kind("package"), "a/+p"),
+              ("tolvexpath:repeatedFolder", "link"), ("tolvexpath:repeatedFolder", "b")]),
             (["a/plain"], [self.folder("a/plain", 1)], []),
             (["gone", "a", "file"], [a], [(missing, "gone"), (missing, "file")]),
             (["a/+p", "a/@C", "a/private", "b", "a/resources"], [b],

@@ -46,7 +46,7 @@ class QueriesTest(FolderTest):
             result = self.run_here("find", "--queries", "-", "-p", "a", stdin=good + line.encode("latin-1") + b"\n" + good)
             self.assertEqual(2 if line else 4, len(result.json_lines), line)
             self.assertEqual(FAILURE if line else FOUND, result.code, line)
-            self.assertRegex(result.err, r"^tolvexpath: .*\bline 5: .*\n$" if line else "^$")
+            self.assertRegex(result.err, r"^tolvexpath: .*\bline 5: .* the rest were not answered\n$" if line else "^$")
 
     def test_each_answer_comes_before_more_is_asked(self):
         long_name = "x" * 300_000  # more than is read at once

@@ -121,6 +121,13 @@ class ShellTest(FolderTest):
         package = "The folder 'here/+p' is a package folder and was not put on the path. Put the folder that holds it on the path."
         self.assert_refused(["set ../a", "add +p ../b"], package, ["b", "a"])
 
+    def test_a_list_in_which_nothing_may_stand_on_the_path_leaves_it_as_it_was(self):
+        for folders, refusals in (("../aa", 1), ("+p", 1), ("../aa +p ../a/f.kx", 3)):
+            code, out, err = self.run_script("set ../b ../a", f"set {folders}", "show")
+            self.assertEqual((NOT_FOUND, self.paths("b", "a"), refusals + 1), (code, out, len(err)), folders)
+            self.assertTrue(err[-1].endswith("line 2: set: none of these folders can be put on the path; it stays as it was"), err)
+            self.assertEqual(refusals, len(self.run_script(f"set {folders}")[2]), "nothing was there to stay")
+
     def assert_refused(self, lines, message, path):
         expected = (NOT_FOUND, self.paths(*path), [f"tolvexpath: the standard input, line {len(lines)}: {message}"])
         self.assertEqual(expected, self.run_script(*lines, "show"), lines)

@@ -120,6 +120,10 @@ class WatchCommandTest(FolderTest):
             program.wait_for(rb"/a\r\n  ~ f  /\S*/b/f.kx, was /\S*/a/f.kx\r\n")
             os.remove(self.path("b/f.kx"))
             program.wait_for(rb"/b\r\n  - f  was /\S*/b/f.kx\r\n")
+            self.make("a/notes.txt")
+            program.wait_for(rb"/a  \(no name changed\)\r\n")
+            self.move("a", "away")
+            program.wait_for(rb"/a  \(folder is gone\)\r\n  - g")
             program.type(b"\x03")
             self.assertEqual(FOUND, program.wait_for_end())
 

@@ -12,6 +12,12 @@ _{0}_offer() {{
     mapfile -t COMPREPLY < <(compgen "$@" -- "$word")
 }}
 
+# The last of the words between commas; those before it stay.
+_{0}_offer_listed() {{
+    local last=${{word##*,}}
+    mapfile -t COMPREPLY < <(compgen -P "${{word%"$last"}}" -W "$1" -- "$last")
+}}
+
 _{0}() {{
     local word=${{COMP_WORDS[COMP_CWORD]}} before=${{COMP_WORDS[COMP_CWORD - 1]}} command= i
     # "--name=value" comes as three words.
@@ -35,11 +41,13 @@ constexpr const char* ending = R"(    esac
 complete -F _{0} {0}
 )";
 
-std::string MakeOffer(const std::string& program, ValueKind kind) {
-    if (kind == ValueKind::folder)
+std::string MakeOffer(const std::string& program, const OptionOutline& option) {
+    if (option.value == ValueKind::folder)
         return fmt::format("compopt -o filenames; _{}_offer -d", program);
-    if (kind == ValueKind::file)
+    if (option.value == ValueKind::file)
         return fmt::format("compopt -o filenames; _{}_offer -f", program);
+    if (option.value == ValueKind::words)
+        return fmt::format("_{}_offer_listed \"{}\"", program, fmt::join(option.words, " "));
     return "COMPREPLY=()";
 }
 
@@ -81,7 +89,7 @@ std::string MakeValues(const std::string& program, const CommandOutline& command
         std::string patterns;
         for (const std::string& name : option.names)
             patterns += fmt::format("{}\"{} {}\"", patterns.empty() ? "" : " | ", command.path, name);
-        cases += fmt::format("        {}) {}; return ;;\n", patterns, MakeOffer(program, option.value));
+        cases += fmt::format("        {}) {}; return ;;\n", patterns, MakeOffer(program, option));
     }
     return cases;
 }
@@ -93,8 +101,7 @@ std::string MakeWords(const std::string& program, const CommandOutline& command)
         cases +=
             fmt::format("        \"{} \"*) _{}_offer -W \"{}\" ;;\n", command.path, program, ListCommands(command));
     else if (!command.arguments.empty())
-        cases +=
-            fmt::format("        \"{} \"*) {} ;;\n", command.path, MakeOffer(program, command.arguments.front().value));
+        cases += fmt::format("        \"{} \"*) {} ;;\n", command.path, MakeOffer(program, command.arguments.front()));
     return cases;
 }
 

@@ -1,5 +1,7 @@
 #include "manual/CommandOutline.h"
 
+#include "SearchOptions.h"
+
 #include <CLI/CLI.hpp>
 
 #include <array>
@@ -39,7 +41,8 @@ OptionOutline MakeOption(const CLI::Option& option) {
             outline.names.push_back("--" + name);
         outline.valueName = option.get_items_expected_max() == 0 ? "" : option.get_type_name();
     }
-    outline.value = GetKind(outline.valueName);
+    outline.words = ListWords(outline.valueName);
+    outline.value = outline.words.empty() ? GetKind(outline.valueName) : ValueKind::words;
     return outline;
 }
 

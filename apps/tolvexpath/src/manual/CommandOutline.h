@@ -10,7 +10,7 @@ class App;
 namespace TolvexPath {
 
 /// What is offered where a value has to be given.
-enum class ValueKind { none, file, folder, text };
+enum class ValueKind { none, file, folder, words, text };
 
 /// An option, or an argument that goes by its place.
 struct OptionOutline {
@@ -18,6 +18,7 @@ struct OptionOutline {
     std::string valueName;          ///< empty for a flag
     std::string description;
     ValueKind value = ValueKind::none; ///< of a flag
+    std::vector<std::string> words;    ///< of a value that is one or more of these, with commas between
     bool repeats = false;
     bool required = false;
 };

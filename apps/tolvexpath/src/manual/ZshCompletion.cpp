@@ -1,5 +1,7 @@
 #include "manual/ShellCompletions.h"
 
+#include "SearchOptions.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -23,9 +25,13 @@ std::string Escape(std::string_view text) {
     return escaped;
 }
 
-std::string GetOffer(ValueKind kind) {
+std::string GetOffer(const OptionOutline& option) {
+    const ValueKind kind = option.value;
     if (kind == ValueKind::folder)
         return "_files -/";
+    if (kind == ValueKind::words)
+        return fmt::format(fmt::runtime(option.valueName == scopeValueName ? "_values -s , word {}" : "({})"),
+                           fmt::join(option.words, " "));
     return kind == ValueKind::file ? "_files" : "()"; // no action at all would keep an option from being completed
 }
 
@@ -50,7 +56,7 @@ std::string DescribeOption(const OptionOutline& option) {
         list.append(list.empty() ? "" : ",").append(Spell(option, name));
     }
     const std::string value =
-        option.value == ValueKind::none ? "" : fmt::format(":{}:{}", option.valueName, GetOffer(option.value));
+        option.value == ValueKind::none ? "" : fmt::format(":{}:{}", option.valueName, GetOffer(option));
     const std::string text = fmt::format("'[{}]{}'", Escape(option.description), value);
     const std::string spelled = option.names.size() > 1 ? "{" + list + "}" : list;
     const std::string others = option.repeats ? "*" : "(" + names + ")";
@@ -58,7 +64,7 @@ std::string DescribeOption(const OptionOutline& option) {
 }
 
 std::string DescribeArgument(const OptionOutline& argument) {
-    return fmt::format("'{}:{}:{}'", argument.repeats ? "*" : "", argument.names.front(), GetOffer(argument.value));
+    return fmt::format("'{}:{}:{}'", argument.repeats ? "*" : "", argument.names.front(), GetOffer(argument));
 }
 
 std::string MakeArguments(const CommandOutline& command) {

@@ -1,9 +1,12 @@
 #include "DisplayText.h"
+#include "FoldersOnPath.h"
 #include "UsageError.h"
 #include "shell/ShellCommand.h"
 #include "shell/ShellContext.h"
 
 #include "path_utilities/PathText.h"
+#include "path_utilities/UniformFolderMonitor.h"
+#include "search_path/Accessors.h"
 
 #include <fmt/format.h>
 
@@ -45,6 +48,18 @@ IRIs GetOthers(const IRIs& from, const IRIs& others) {
     return left;
 }
 
+PathManagement::PathEntryVector CreateEntries(const IRIs& folders, Tolvex::Notification& refusals) {
+    const std::vector<Tolvex::AbsoluteIRI> locations(folders.begin(), folders.end());
+    auto entries = PathManagement::GetPathEntryFactory().CreatePathEntries(
+        locations, PathManagement::UniformFolderMonitor(), refusals);
+    TellWrongKinds(entries, refusals);
+    return entries;
+}
+
+bool MayStandOnPath(const std::shared_ptr<const PathManagement::IPathEntry>& entry) {
+    return entry != nullptr && entry->GetPathEntryType() == PathManagement::PathEntryType::mainFolder;
+}
+
 void CheckIsOnPath(const IRIs& path, const CanonicalAbsoluteIRI& folder) {
     if (!Contains(path, folder))
         throw UsageError(fmt::format("'{}' is not on the path", Tolvex::ToUtf8(GetStringFromIRI(folder))));
@@ -72,8 +87,17 @@ std::size_t TakePlace(ShellArguments& arguments, std::size_t count) {
 
 } // namespace
 
+/// A list in which nothing may stand on the path is a slip; it leaves the path as it was.
 bool Set(ShellContext& context, ShellArguments& arguments) {
-    return context.SetFolders(LocateFolders(arguments.TakeAll()));
+    const IRIs folders = LocateFolders(arguments.TakeAll());
+    Tolvex::Notification refusals;
+    const PathManagement::PathEntryVector entries = CreateEntries(folders, refusals); // alive until the path has them
+    if (folders.empty() || std::ranges::any_of(entries, MayStandOnPath))
+        return context.SetFolders(folders);
+    static_cast<void>(context.Alter([&](Tolvex::Notification& problems) { problems = std::move(refusals); }));
+    if (!context.GetManager().GetPathIRIs()->empty())
+        context.Report("set: none of these folders can be put on the path; it stays as it was");
+    return false;
 }
 
 bool Add(ShellContext& context, ShellArguments& arguments) {

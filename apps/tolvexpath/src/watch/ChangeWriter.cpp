@@ -4,16 +4,44 @@
 #include "JsonWriter.h"
 #include "Output.h"
 
+#include "foundation/environment/StorageAccess.h"
 #include "path_utilities/PathText.h"
 
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace TolvexPath {
 
 using PathManagement::FoundItem;
 using PathManagement::GetStringFromIRI;
+using PathManagement::IPathEntry;
 
 namespace {
+
+/// A folder that is gone has an entry without contents, as an empty one has.
+bool IsGone(const IPathEntry& folder) {
+    if (!folder.GetPathItems()->empty())
+        return false;
+    try {
+        static_cast<void>(TolvexStorageSystem::GetStorageSystemReference()->openFolder(folder.GetIRI()));
+    } catch (const Tolvex::StorageError&) {
+        return true;
+    }
+    return false;
+}
+
+std::string GetRemark(const IPathEntry& folder, const std::vector<NameChange>& names) {
+    const Tolvex::CanonicalAbsoluteIRI location = folder.GetIRI();
+    const auto isBelow = [&location](const std::optional<FoundItem>& found) {
+        return found && location.isAncestorOf(found->GetItem().GetIRI());
+    };
+    if (IsGone(folder))
+        return "  (folder is gone)";
+    const bool hasName = std::ranges::any_of(
+        names, [&isBelow](const NameChange& change) { return isBelow(change.before) || isBelow(change.after); });
+    return hasName ? "" : "  (no name changed)";
+}
 
 class TextWriter final : public ChangeWriter {
 public:
@@ -26,7 +54,7 @@ public:
 
     void Write(const ContentChanges& changes) override {
         for (const auto& folder : changes.folders)
-            output.Write(ToDisplayText(GetStringFromIRI(folder->GetIRI())) + '\n');
+            output.Write(ToDisplayText(GetStringFromIRI(folder->GetIRI())) + GetRemark(*folder, changes.names) + '\n');
         for (const NameChange& change : changes.names)
             output.Write(Describe(change));
         output.Flush();

@@ -79,7 +79,13 @@ RecordedPackages ReadRegistryFile(const fs::path& file) {
     std::error_code error;
     if (fs::status(file, error).type() == fs::file_type::not_found)
         return {};
-    return ReadContents(file.native());
+    try {
+        return ReadContents(file.native());
+    } catch (const PackageError& refusal) {
+        PackageProblem problem = refusal.GetProblem();
+        problem.reason += " (mend the file, or move it away and install the packages anew)";
+        throw PackageError(std::move(problem));
+    }
 }
 
 void WriteRegistryFile(const fs::path& file, const RecordedPackages& recorded) {

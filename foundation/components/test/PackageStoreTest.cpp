@@ -276,5 +276,137 @@ RC_GTEST_PROP(PackageStore, DoesWhatAListDoes, ()) {
         store.Step();
 }
 
+class PackageStoreTest : public testing::Test {
+protected:
+    fs::path Make(const std::string& name, const Sample& sample) {
+        MakePackage(tree.GetRoot() / name, sample);
+        return tree.GetRoot() / name;
+    }
+
+    static Tolvex::CanonicalAbsoluteIRI Locate(const fs::path& folder) {
+        return {Tolvex::AbsoluteIRI("file", FromUtf8(folder.native())), {}};
+    }
+
+    /// The reason of a refusal, after which one package is installed as before.
+    template <class Operation>
+    std::string GetRefusal(Operation operation) {
+        host.TakeNews();
+        std::string reason = "nothing";
+        try {
+            operation();
+        } catch (const PackageError& error) {
+            reason = error.what();
+        } catch (const fs::filesystem_error& error) {
+            reason = error.what();
+        }
+        EXPECT_EQ(host.TakeNews(), "none");
+        EXPECT_EQ(host->Read().Get().size(), 1U);
+        return reason;
+    }
+
+    Tolvex::TemporaryTree tree;
+    fs::path folder = tree.GetRoot() / "store";
+    Host host{folder};
+};
+
+TEST_F(PackageStoreTest, TellsTheRegistryWhatAPackageIs) {
+    host->Install(Make("copied", {'a'}));
+    host->Install(Make("needed", {'b'}), {.isAskedFor = false});
+    const fs::path work = Make("work", {'c'});
+    host->Install(work, {.inPlace = true});
+    const InstalledPackages installed = host->Read();
+    const IPackageRegistry& registry = host.GetRegistry();
+    const auto copied = registry.FindPackage(Identify({'a'}));
+    const auto needed = registry.FindPackage(Identify({'b'}));
+    const auto worked = registry.FindPackage(Identify({'c'}));
+    EXPECT_EQ(*copied->FindProperty(manualInstallProperty), PropertyValue(true));
+    EXPECT_EQ(*needed->FindProperty(manualInstallProperty), PropertyValue(false));
+    EXPECT_EQ(*copied->FindProperty("tag"), PropertyValue(Tolvex::ustring(u"0")));
+    EXPECT_TRUE(copied->isManaged && needed->isManaged && !copied->isWatchedClosely);
+    EXPECT_TRUE(!worked->isManaged && worked->isForPath && worked->isWatchedClosely);
+    EXPECT_LT(copied->order, needed->order);
+    EXPECT_LT(needed->order, worked->order);
+    EXPECT_EQ(worked->memberFolders, (std::vector{Locate(work), Locate(work / "lib")}));
+    EXPECT_EQ(registry.FindPackageOfFolder(Locate(installed.Get()[0].root / "lib")), Identify({'a'}));
+
+    fs::remove(work / PackageManifest::fileName);
+    host->Rescan();
+    EXPECT_TRUE(host.GetRegistry().IsFolderOfUninstalledPackage(Locate(work / "lib")));
+    WriteManifest(work, {'a'}); // two say that they are one
+    const auto seen = host->Rescan();
+    EXPECT_FALSE(seen.Get()[0].problem);
+    EXPECT_NE(seen.Get()[2].problem->reason.find("a@1.0.0"), std::string::npos);
+}
+
+TEST_F(PackageStoreTest, RefusesWhatCannotBeInstalled) {
+    const fs::path work = Make("work", {'a'});
+    host->Install(work, {.inPlace = true});
+    const auto install = [this](const fs::path& package, bool inPlace) {
+        return GetRefusal([&] { host->Install(package, {.inPlace = inPlace}); });
+    };
+    WriteManifest(work, {'b'});
+    EXPECT_NE(install(work, true).find("installed already"), std::string::npos); // now as b
+    EXPECT_NE(install(Make("store/inside", {'c'}), true).find("or around it"), std::string::npos);
+    fs::remove_all(folder / "inside");
+    WriteManifest(tree.GetRoot(), {'c'});
+    fs::create_directory(tree.GetRoot() / "lib");
+    EXPECT_NE(install(tree.GetRoot(), false).find("or around it"), std::string::npos);
+    EXPECT_NE(install(Make("bad\xFFname", {'c'}), true).find("UTF-8"), std::string::npos);
+
+    const fs::path linked = Make("linked", {'d'});
+    fs::rename(linked / "lib", linked / "real");
+    fs::create_directory_symlink(linked / "real", linked / "lib"); // in the copy it leads out
+    EXPECT_NE(install(linked, false).find("leads out"), std::string::npos);
+    const fs::path odd = Make("odd", {'e'});
+    ASSERT_EQ(::mkfifo((odd / "pipe").c_str(), 0600), 0);
+    EXPECT_NE(install(odd, false), "nothing");
+    for (const auto& item : fs::directory_iterator(folder))
+        EXPECT_FALSE(item.is_directory()) << item; // nothing of the attempts
+}
+
+TEST_F(PackageStoreTest, NeverTouchesWhatABrokenRegistryNames) {
+    fs::create_directories(folder);
+    const fs::path precious = Make("precious", {'p'});
+    const std::string manifest = R"({"name":"a","version":"1.0.0","id":"00000000-0000-0000-0000-000000000001"})";
+    const auto package = [&manifest](const std::string& place, const std::string& rest) {
+        return "{\"manifest\":" + manifest + ",\"folder\":\"" + place + "\",\"order\":" + rest + ",\"askedFor\":true}";
+    };
+    const std::string good = package("a-1.0.0.1", "1,\"managed\":true");
+    struct Case {
+        std::string packages;
+        std::string leftovers;
+        std::size_t line;
+    };
+    const std::vector<Case> cases{
+        {"", "\"../precious\"", 5},
+        {"", "\".\"", 5},
+        {"", "\"..\"", 5},
+        {"", "\"\"", 5},
+        {"", "7", 5},
+        {package("../precious", "1,\"managed\":true"), "", 4},
+        {package("work", "1,\"managed\":false"), "", 4},
+        {package("a-1.0.0.9", "9,\"managed\":true"), "", 4},
+        {package("a-1.0.0.1", "-1,\"managed\":true"), "", 4},
+        {good + ",\n" + good, "", 5},
+        {"7", "", 4},
+    };
+    for (const Case& one : cases) {
+        const std::string text = "{\"format\": 1,\n\"nextNumber\": 5,\n\"packages\": [\n" + one.packages +
+                                 "],\n\"leftovers\": [" + one.leftovers + "]}";
+        std::ofstream(folder / "registry.json") << text;
+        try {
+            host->Rescan();
+            ADD_FAILURE() << text;
+        } catch (const PackageError& error) {
+            EXPECT_EQ(error.GetProblem().line, one.line) << error.what();
+            EXPECT_EQ(error.GetProblem().file, (folder / "registry.json").native());
+        }
+        EXPECT_EQ(ReadText(folder / "registry.json"), text);
+        EXPECT_TRUE(fs::exists(precious / "lib"));
+    }
+    std::ofstream(folder / "registry.json") << R"({"format": 2})";
+    EXPECT_THROW(host->Rescan(), PackageError);
+}
+
 } // namespace
 } // namespace TolvexPackages

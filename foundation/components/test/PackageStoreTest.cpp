@@ -310,7 +310,11 @@ protected:
 };
 
 TEST_F(PackageStoreTest, TellsTheRegistryWhatAPackageIs) {
-    host->Install(Make("copied", {'a'}));
+    const fs::path source = Make("copied", {'a'});
+    fs::create_directory_symlink("lib", source / "link");
+    fs::permissions(source / "lib", fs::perms::owner_write, fs::perm_options::remove);
+    host->Install(source);
+    fs::permissions(source / "lib", fs::perms::owner_write, fs::perm_options::add);
     host->Install(Make("needed", {'b'}), {.isAskedFor = false});
     const fs::path work = Make("work", {'c'});
     host->Install(work, {.inPlace = true});
@@ -327,7 +331,10 @@ TEST_F(PackageStoreTest, TellsTheRegistryWhatAPackageIs) {
     EXPECT_LT(copied->order, needed->order);
     EXPECT_LT(needed->order, worked->order);
     EXPECT_EQ(worked->memberFolders, (std::vector{Locate(work), Locate(work / "lib")}));
-    EXPECT_EQ(registry.FindPackageOfFolder(Locate(installed.Get()[0].root / "lib")), Identify({'a'}));
+    const fs::path copy = installed.Get()[0].root;
+    EXPECT_EQ(registry.FindPackageOfFolder(Locate(copy / "lib")), Identify({'a'}));
+    EXPECT_NE(fs::status(copy / "lib").permissions() & fs::perms::owner_write, fs::perms::none); // so it can be removed
+    EXPECT_EQ(fs::read_symlink(copy / "link"), "lib");
 
     fs::remove(work / PackageManifest::fileName);
     host->Rescan();

@@ -21,10 +21,24 @@ void Flush(const fs::path& place) {
                                    std::error_code(error, std::generic_category()));
 }
 
+/// Folders get the usual permissions: one that may not be written could be neither filled nor removed later.
+void CopyTree(const fs::path& source, const fs::path& target) {
+    fs::create_directory(target);
+    for (const auto& item : fs::recursive_directory_iterator(source)) {
+        const fs::path place = target / item.path().lexically_relative(source);
+        if (item.is_symlink())
+            fs::copy_symlink(item.path(), place);
+        else if (item.is_directory())
+            fs::create_directory(place);
+        else
+            fs::copy_file(item.path(), place); // refuses what is no file
+    }
+}
+
 } // namespace
 
 void CopyPackageFolder(const fs::path& source, const fs::path& target) {
-    fs::copy(source, target, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    CopyTree(source, target);
     for (const auto& item : fs::recursive_directory_iterator(target)) {
         if (!item.is_symlink())
             Flush(item.path());

@@ -17,7 +17,8 @@ struct LocatedValue {
     using Object = std::vector<LocatedMember>; // in the order of the file, each name once
 
     std::size_t line = 0;
-    std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object> value{};
+    // Not initialised here: that would need LocatedMember whole.
+    std::variant<std::nullptr_t, bool, std::int64_t, double, std::string, Array, Object> value;
 };
 
 struct LocatedMember {

@@ -77,7 +77,7 @@ private:
 CLI::App* PackageCommand::DeclareAction(CLI::App& arguments, const char* actionName, const char* summary,
                                         ExitCode (PackageCommand::*run)(PackageStore&) const) {
     CLI::App* const action = arguments.add_subcommand(actionName, summary);
-    action->add_option("--packages", storeFolder, "The folder of the installed packages")->type_name("DIR");
+    action->add_option("--packages", storeFolder, "The folder of the installed packages")->type_name("FOLDER");
     action->add_flag("--json", asJson, "Write one JSON object with the packages that it is about");
     actions.emplace_back(action, run);
     return action;

@@ -97,7 +97,9 @@ void PackageCommand::DeclareArguments(CLI::App& arguments) {
     update->add_option("--replace", replaced, "The version to replace, where several are installed")
         ->type_name("VERSION");
     CLI::App* const remove = DeclareAction(arguments, "remove", "Remove a package", &PackageCommand::Remove);
-    remove->add_option("NAME[@VERSION]", name, "The package")->type_name("")->required();
+    remove->add_option("PACKAGE", name, "Its name, or its name and version as in signals@1.4.0")
+        ->type_name("")
+        ->required();
     DeclareAction(arguments, "rescan", "Record what others have changed in packages, then list them",
                   &PackageCommand::Rescan);
     arguments.footer(help);

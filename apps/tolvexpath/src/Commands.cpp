@@ -10,6 +10,7 @@ std::vector<std::unique_ptr<ICommand>> CreateCommands() {
     commands.push_back(CreateShadowsCommand());
     commands.push_back(CreateCheckCommand());
     commands.push_back(CreateCacheCommand());
+    commands.push_back(CreatePackageCommand());
     commands.push_back(CreateWatchCommand());
     commands.push_back(CreateShellCommand());
     return commands;

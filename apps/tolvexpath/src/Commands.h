@@ -12,6 +12,7 @@ namespace TolvexPath {
 [[nodiscard]] std::unique_ptr<ICommand> CreateCheckCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateEntryCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateFindCommand();
+[[nodiscard]] std::unique_ptr<ICommand> CreatePackageCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreatePathCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateShadowsCommand();
 [[nodiscard]] std::unique_ptr<ICommand> CreateShellCommand();

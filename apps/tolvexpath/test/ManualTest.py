@@ -7,7 +7,8 @@ import unittest
 
 from program import FAILURE, FOUND, FolderTest, OnTerminal, environment, run
 
-COMMANDS = (["entry"], ["find"], ["path"], ["shadows"], ["check"], ["cache"], ["cache", "write"], ["cache", "check"], ["cache", "show"], ["watch"], ["shell"])
+COMMANDS = (["entry"], ["find"], ["path"], ["shadows"], ["check"], ["cache"], ["cache", "write"], ["cache", "check"], ["cache", "show"], ["package"], ["package", "list"], ["package", "install"], ["package", "update"], ["package", "remove"], ["package", "rescan"],
+            ["watch"], ["shell"])
 
 
 def can_run(*command):

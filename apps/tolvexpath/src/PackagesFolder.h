@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace TolvexPath {
+
+/// The folder of installed packages: `named` when it is not empty, else what the environment variable TOLVEX_PACKAGES
+/// says, else "tolvex/packages" in the user's data folder (XDG_DATA_HOME, or ".local/share" in HOME). Need not exist.
+/// Throws UsageError when none of these is known.
+[[nodiscard]] std::filesystem::path GetPackagesFolder(const std::string& named);
+
+} // namespace TolvexPath

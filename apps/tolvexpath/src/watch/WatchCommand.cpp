@@ -23,41 +23,29 @@ using PathManagement::PathChangeEvent;
 
 namespace {
 
-constexpr const char* help = R"(Stays, and tells of each change as it happens: the folders that hold other files
+constexpr const char* help = R"help(Stays, and tells of each change as it happens: the folders that hold other files
 now, then the names that came (+), went (-) or are answered by another file (~).
 What a file holds does not matter. A file that is hidden by another one changes no
 name, then only its folder is told, as "(no name changed)".
 
-                             Changes that come close together are told together
-    : after-- quiet milliseconds in which nothing happened,
-                      but at most 20 times as long
-                          .Folders of which the system does not tell(far disks, or no kernel watch left)
-                              are looked at every-- interval seconds.
+Changes that come close together are told together: after --quiet milliseconds in
+which nothing happened, but at most 20 times as long. Folders of which the system
+does not tell (far disks, or no kernel watch left) are looked at every --interval
+seconds.
 
-                      --json writes one object a line,
-                      at first{"event" : "ready"}
-    : what changes from then on is told,
-      as{"event" : "change", "folders" : [...], "added" : [...], "removed" : [...], "changed" : [...]} with {
-    "name" : ..., "before" : FILE, "after" : FILE
-} for each
-    name;
-'before' is left out of added names,
-    'after' of removed ones.
+--json writes one object a line, at first {"event":"ready"}: what changes from then
+on is told, as
+  {"event":"change","folders":[...],"added":[...],"removed":[...],"changed":[...]}
+with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left out
+of added names, 'after' of removed ones.
 
-            Ends at Ctrl -
-            C or
-        SIGTERM,
-    or when nobody reads its output any more.
+Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 
-                Examples : tolvexpath watch -
-                p geometry - p statistics tolvexpath watch-- path - file path.txt-- json |
-            while read - r change;
-do
-    make;
-done
+Examples:
+  tolvexpath watch -p geometry -p statistics
+  tolvexpath watch --path-file path.txt --json | while read -r change; do make; done
 
-    Exit status : 0 ended as above;
-1 no folder could be read; 2 wrong use.)";
+Exit status: 0 ended as above; 1 no folder could be read; 2 wrong use.)help";
 
 Finder MakeFinder(std::shared_ptr<const IPath> path) {
     const auto usual = Tolvex::GetCodeFileExtensions();

@@ -5,6 +5,13 @@
 
 namespace PathManagement {
 
+namespace {
+
+/// A path of no more main entries is walked whatever the length of the other: a long path may not have its list yet.
+constexpr std::size_t few = 16;
+
+} // namespace
+
 PathSequence::PathSequence(std::vector<std::shared_ptr<const IPath>> paths, Repeats repeats) {
     members.reserve(paths.size());
     for (auto& path : paths) {
@@ -22,7 +29,8 @@ PathSequence::Overlap PathSequence::FindOverlap(std::size_t member) const {
     for (std::size_t earlier = 0; earlier < member; ++earlier) {
         const IPath* walked = members[earlier].path.get();
         const IPath* asked = members[member].path.get();
-        if (walked->GetMainEntries()->size() > asked->GetMainEntries()->size())
+        const std::size_t length = walked->GetMainEntries()->size();
+        if (length > few && length > asked->GetMainEntries()->size())
             std::swap(walked, asked);
         walked->ForEachEntry(SearchScope::All(), [&](const std::shared_ptr<const IPathEntry>& entry) {
             if (const auto other = asked->GetPathEntryFromAbsoluteIRI(entry->GetIRI()))

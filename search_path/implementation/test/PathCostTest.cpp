@@ -189,6 +189,25 @@ TEST_F(PathCost, ThreadsCountTheirAnswersApart) {
     EXPECT_FALSE(entry.expired());
 }
 
+TEST_F(PathCost, APathWithAFewReplacementsTouchesNoOtherEntry) {
+    std::vector<std::shared_ptr<const IPath>> paths{path};
+    const auto& far = path->GetMainEntries()->at(70);
+    const auto replace = [&](std::size_t place) {
+        PathEntryVector after = entries;
+        after[place] = PathWorld(world.storage).Entry("/m" + std::to_string(place));
+        auto next = world.PathWithReplacements(paths.back(), entries, after);
+        entries = std::move(after);
+        return next;
+    };
+    paths.push_back(replace(10)); // takes the list apart
+    const long held = far.use_count();
+    for (const std::size_t place : {11, 12, 13})
+        paths.push_back(replace(place));
+    EXPECT_EQ(far.use_count(), held);
+    EXPECT_EQ(*paths.back()->GetMainEntries(), entries);
+    EXPECT_GT(far.use_count(), held) << "the list is made when it is asked for";
+}
+
 TEST_F(PathCost, ADerivedPathPaysForTheFolderThatChanged) {
     world.TakeListings();
     Change(20);

@@ -40,6 +40,19 @@ public:
         return pathFactory.CreatePath(std::make_shared<const PathEntryVector>(entries), previous);
     }
 
+    /// `previous` with what differs between two lists of one length exchanged.
+    std::shared_ptr<const IPath> PathWithReplacements(const std::shared_ptr<const IPath>& previous,
+                                                      const PathEntryVector& before, const PathEntryVector& after) {
+        PathEntryVector replaced;
+        PathEntryVector replacements;
+        for (std::size_t i = 0; i < before.size(); ++i)
+            if (before[i] != after[i]) {
+                replaced.push_back(before[i]);
+                replacements.push_back(after[i]);
+            }
+        return pathFactory.CreatePathWithReplacements(previous, replaced, replacements);
+    }
+
     std::shared_ptr<const IPath> PathOf(std::initializer_list<std::string_view> folders) {
         PathEntryVector entries;
         for (const auto folder : folders)

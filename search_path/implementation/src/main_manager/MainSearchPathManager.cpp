@@ -44,29 +44,31 @@ public:
         if (!asked.insert(entry.get()).second || !entry->IsOutOfDate())
             return;
         if (auto updated = entry->GetUpdatedPathEntry(factory, monitor); updated != entry)
-            updates.emplace_back(entry.get(), std::move(updated));
+            updates.push_back({entry, std::move(updated)});
     }
 
-    [[nodiscard]] bool HasUpdates() const noexcept { return !updates.empty(); }
-
-    /// `entries` with the new ones in place of the old; the same list when there are none. Paths are long and changes
-    /// few: each entry is compared with few addresses, and none is hashed.
-    [[nodiscard]] std::shared_ptr<const PathEntryVector>
-    Replace(const std::shared_ptr<const PathEntryVector>& entries) {
-        if (updates.empty())
-            return entries;
-        std::ranges::sort(updates, {}, &Update::first);
-        PathEntryVector refreshed = *entries;
-        for (auto& entry : refreshed) {
-            const auto update = std::ranges::lower_bound(updates, entry.get(), {}, &Update::first);
-            if (update != updates.end() && update->first == entry.get())
-                entry = update->second;
+    /// `stored` with the new entries in place of the old; the same path when there are none.
+    [[nodiscard]] StoredPathChange Replace(const std::shared_ptr<const IPath>& stored,
+                                           const IPathFactory& pathFactory) {
+        std::ranges::sort(updates, [&stored](const Update& a, const Update& b) {
+            return stored->FirstEntryIsBeforeSecondOnPath(*a.before, *b.before);
+        });
+        PathEntryVector before;
+        PathEntryVector after;
+        for (Update& update : updates) {
+            before.push_back(std::move(update.before));
+            after.push_back(std::move(update.after));
         }
-        return std::make_shared<const PathEntryVector>(std::move(refreshed));
+        auto path = before.empty() ? stored : pathFactory.CreatePathWithReplacements(stored, before, after);
+        return {std::move(path), std::make_shared<const PathEntryVector>(std::move(before)),
+                std::make_shared<const PathEntryVector>(std::move(after))};
     }
 
 private:
-    using Update = std::pair<const IPathEntry*, std::shared_ptr<const IPathEntry>>; // what is replaced, and by what
+    struct Update {
+        std::shared_ptr<const IPathEntry> before;
+        std::shared_ptr<const IPathEntry> after;
+    };
 
     const IPathEntryFactory& factory;
     const IFolderMonitor& monitor;
@@ -169,7 +171,9 @@ void MainSearchPathManager::SetPathEntries(PathEntryVector entries, Tolvex::Noti
     const auto registry = TolvexPackages::GetPackageRegistrar().GetRegistry();
     detail::AcceptedEntries accepted = detail::ApplyPathAlterationRules(entries, *registry, problems);
 
-    PathChange change = Compose(std::make_shared<const PathEntryVector>(std::move(accepted.entries)));
+    const auto stored = installedPaths.Load()->storedPath;
+    const auto after = std::make_shared<const PathEntryVector>(std::move(accepted.entries));
+    PathChange change = Compose({pathFactory.CreatePath(after, stored), stored->GetMainEntries(), after});
     if (*change.paths->pathComponents != accepted.components)
         change.paths->pathComponents = std::make_shared<const Components>(std::move(accepted.components));
     InstallNewPath(change);
@@ -272,10 +276,11 @@ void MainSearchPathManager::Refresh(RefreshType type) {
     if (isFrontToBeAsked || report.askEachObserver || !report.changed.empty())
         static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(RefreshType::knownChanges));
 
-    const auto entries = refresher.Replace(installedPaths.Load()->storedPath->GetMainEntries());
-    if (!refresher.HasUpdates() && IsCurrentFolderInFront())
+    const auto installed = installedPaths.Load();
+    const StoredPathChange stored = refresher.Replace(installed->storedPath, pathFactory);
+    if (stored.path == installed->storedPath && IsCurrentFolderInFront())
         return NoteRefreshed(report.now);
-    PathChange change = Compose(entries);
+    PathChange change = Compose(stored);
     change.isRefresh = true;
     change.refreshedUpTo = report.now;
     InstallNewPath(change);
@@ -333,13 +338,13 @@ void MainSearchPathManager::NoteRefreshed(Tolvex::ChangeToken now) {
         });
 }
 
-PathChange MainSearchPathManager::Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const {
-    return ComposePaths(*installedPaths.Load(), storedEntries, *currentFolderPathManager.Load(), pathFactory);
+PathChange MainSearchPathManager::Compose(const StoredPathChange& stored) const {
+    return ComposePaths(*installedPaths.Load(), stored, *currentFolderPathManager.Load());
 }
 
-/// For the present stored entries.
+/// For the present stored path.
 PathChange MainSearchPathManager::Compose() const {
-    return Compose(installedPaths.Load()->storedPath->GetMainEntries());
+    return Compose(StoredPathChange{installedPaths.Load()->storedPath, nullptr, nullptr});
 }
 
 void MainSearchPathManager::InstallNewPath(const PathChange& change) {

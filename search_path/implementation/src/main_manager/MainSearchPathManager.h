@@ -66,7 +66,7 @@ private:
     [[nodiscard]] PathEntryVector FindEntriesToAsk(const Tolvex::ChangeReport& report) const;
     [[nodiscard]] EntriesToAsk FindEntriesToAsk(const PathChange& change) const;
     void NoteRefreshed(Tolvex::ChangeToken now);
-    [[nodiscard]] PathChange Compose(const std::shared_ptr<const PathEntryVector>& storedEntries) const;
+    [[nodiscard]] PathChange Compose(const StoredPathChange& stored) const;
     [[nodiscard]] PathChange Compose() const;
     void InstallNewPath(const PathChange& change);
     void Install(const PathChange& change);

@@ -67,24 +67,22 @@ std::shared_ptr<const InstalledPaths> MakeEmptyPaths(const IPathFactory& pathFac
     return paths;
 }
 
-PathChange ComposePaths(const InstalledPaths& installed, const std::shared_ptr<const PathEntryVector>& storedEntries,
-                        const ICurrentFolderPathManager& currentFolder, const IPathFactory& pathFactory) {
+PathChange ComposePaths(const InstalledPaths& installed, const StoredPathChange& stored,
+                        const ICurrentFolderPathManager& currentFolder) {
     PathChange change;
     change.paths = std::make_shared<InstalledPaths>(installed);
     InstalledPaths& paths = *change.paths;
-    const auto oldEntries = installed.storedPath->GetMainEntries();
-    if (storedEntries != oldEntries)
-        paths.storedPath = pathFactory.CreatePath(storedEntries, installed.storedPath);
+    paths.storedPath = stored.path;
     auto current = currentFolder.GetCurrentFolderPath(*paths.storedPath);
     if (!HaveSameMainEntries(*current, *installed.currentFolderPath))
         paths.currentFolderPath = std::move(current);
     ComposeViews(paths);
 
     PathEntryVectorDifferentiator& main = change.mainDifference;
-    if (storedEntries != oldEntries)
-        main.Compare(*oldEntries, *storedEntries, ComparisonFilter::asListed);
+    if (stored.path != installed.storedPath)
+        main.Compare(*stored.before, *stored.after, ComparisonFilter::asListed);
     if (!main.GetAdded()->empty() || !main.GetRemoved()->empty() || !main.GetReordered()->empty())
-        paths.pathIRIs = GetLocations(*storedEntries);
+        paths.pathIRIs = GetLocations(*stored.path->GetMainEntries());
     PathEntryVectorDifferentiator& front = change.currentFolderDifference;
     front.Compare(*installed.currentFolderPath->GetMainEntries(), *paths.currentFolderPath->GetMainEntries(),
                   ComparisonFilter::asListed);

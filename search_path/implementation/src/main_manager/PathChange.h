@@ -33,15 +33,22 @@ struct PathChange {
     std::optional<Tolvex::ChangeToken> refreshedUpTo;
 };
 
+/// What is to be the stored path, and what tells it from the installed one.
+struct StoredPathChange {
+    std::shared_ptr<const IPath> path;
+    /// The main entries of both, in order; those that both have in the same places may be left out of both.
+    std::shared_ptr<const PathEntryVector> before;
+    std::shared_ptr<const PathEntryVector> after;
+};
+
 /// Paths without any entry, to start from.
 [[nodiscard]] std::shared_ptr<const InstalledPaths> MakeEmptyPaths(const IPathFactory& pathFactory,
                                                                    bool modularPackagesEnabled);
 
-/// Makes the paths for new stored entries and the present current folder, and compares them with the installed ones.
-/// Takes over what does not change. REQUIRES: each folder stands once in `storedEntries`.
-[[nodiscard]] PathChange ComposePaths(const InstalledPaths& installed,
-                                      const std::shared_ptr<const PathEntryVector>& storedEntries,
-                                      const ICurrentFolderPathManager& currentFolder, const IPathFactory& pathFactory);
+/// Makes the paths for the stored path, which may be the installed one, and the present current folder, and compares
+/// them with the installed ones. Takes over what does not change. REQUIRES: each folder stands once on `stored.path`.
+[[nodiscard]] PathChange ComposePaths(const InstalledPaths& installed, const StoredPathChange& stored,
+                                      const ICurrentFolderPathManager& currentFolder);
 
 [[nodiscard]] bool HaveSameMainEntries(const IPath& a, const IPath& b);
 

@@ -2,6 +2,7 @@
 
 #include "path_model/PathEntry.h"
 
+#include <iterator>
 #include <numeric>
 #include <typeinfo>
 #include <utility>
@@ -70,11 +71,10 @@ std::size_t Weigh(const IPathEntry& mainEntry) {
 } // namespace
 
 LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries)
-    : mainEntries(std::move(entries)), groupUses(mainEntries->size()), leases(mainEntries->size()) {
-    std::vector<std::uint32_t> places(mainEntries->size());
+    : mainEntries(std::move(entries)), groupUses(mainEntries.GetSize()), leases(mainEntries.GetSize()) {
+    std::vector<std::uint32_t> places(mainEntries.GetSize());
     std::iota(places.begin(), places.end(), 0u);
-    const std::vector<EntryGroup> groups = AddLayer(places);
-    PlaceGroups();
+    const std::vector<EntryGroup> groups = AddLayer(std::move(places));
     allEntries.Get([&groups] {
         PathEntryVector all;
         for (const EntryGroup& group : groups)
@@ -84,25 +84,53 @@ LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries)
 }
 
 LayeredIndex::LayeredIndex(std::shared_ptr<const PathEntryVector> entries, const LayeredIndex& previous)
-    : mainEntries(std::move(entries)), groupUses(mainEntries->size()), leases(mainEntries->size()) {
-    const MainEntryMatch match(*previous.mainEntries, *mainEntries);
+    : mainEntries(std::move(entries)), groupUses(mainEntries.GetSize()), leases(mainEntries.GetSize()) {
+    const MainEntryMatch match(*previous.mainEntries.GetVector(), *mainEntries.GetVector());
     std::size_t addedWeight = 0;
-    for (std::size_t place = 0; place < mainEntries->size(); ++place)
+    for (std::size_t place = 0; place < mainEntries.GetSize(); ++place)
         if (match.GetOldPlace(place) == notThere)
-            addedWeight += Weigh(*(*mainEntries)[place]);
-    const std::size_t kept = previous.CountKeptLayers(addedWeight);
-    layers.assign(previous.layers.begin(), previous.layers.begin() + static_cast<std::ptrdiff_t>(kept));
+            addedWeight += Weigh(*mainEntries[place]);
+    TakeLayers(previous, previous.CountKeptLayers(addedWeight));
     std::vector<std::uint32_t> indexedAgain;
-    for (std::uint32_t place = 0; place < mainEntries->size(); ++place) {
+    for (std::uint32_t place = 0; place < mainEntries.GetSize(); ++place) {
         const std::uint32_t old = match.GetOldPlace(place);
-        if (old != notThere && previous.groupUses[old].layer < kept)
-            groupUses[place] = previous.groupUses[old];
-        else
+        if (old == notThere || previous.groupUses[old].layer >= layers.size()) {
             indexedAgain.push_back(place);
+            continue;
+        }
+        groupUses[place] = previous.groupUses[old];
+        if (const auto kept = previous.keptEntries.find(old); kept != previous.keptEntries.end())
+            keptEntries.emplace(place, kept->second);
     }
+    PlaceGroups(indexedAgain);
     if (!indexedAgain.empty())
-        static_cast<void>(AddLayer(indexedAgain));
-    PlaceGroups();
+        AddLayer(std::move(indexedAgain));
+}
+
+LayeredIndex::LayeredIndex(const LayeredIndex& previous, std::span<const EntryReplacement> replacements)
+    : mainEntries(previous.mainEntries, replacements), groupUses(previous.groupUses), keptEntries(previous.keptEntries),
+      leases(mainEntries.GetSize()) {
+    std::size_t addedWeight = 0;
+    for (const EntryReplacement& replacement : replacements)
+        addedWeight += Weigh(*replacement.entry);
+    TakeLayers(previous, previous.CountKeptLayers(addedWeight));
+    std::vector<std::uint32_t> indexedAgain;
+    for (const EntryReplacement& replacement : replacements) {
+        const GroupUse& use = groupUses[replacement.place];
+        if (use.layer < layers.size())
+            layers[use.layer].mainPlaces[use.group] = offPath;
+        indexedAgain.push_back(replacement.place);
+    }
+    for (std::size_t layer = layers.size(); layer < previous.layers.size(); ++layer)
+        std::ranges::copy_if(previous.layers[layer].mainPlaces, std::back_inserter(indexedAgain),
+                             [](std::uint32_t place) { return place != offPath; });
+    std::ranges::sort(indexedAgain);
+    const auto repeats = std::ranges::unique(indexedAgain);
+    indexedAgain.erase(repeats.begin(), repeats.end());
+    for (const std::uint32_t place : indexedAgain)
+        keptEntries.erase(place);
+    if (!indexedAgain.empty())
+        AddLayer(std::move(indexedAgain));
 }
 
 /// How many of the lower layers an index derived from this one takes over, when so much is added on top.
@@ -125,31 +153,40 @@ std::size_t LayeredIndex::CountKeptLayers(std::size_t addedWeight) const {
     return kept;
 }
 
-/// Walks and indexes the main entries at these places as one layer on top.
-std::vector<EntryGroup> LayeredIndex::AddLayer(std::span<const std::uint32_t> mainPlaces) {
+/// The lowest layers of another index, as they stand there.
+void LayeredIndex::TakeLayers(const LayeredIndex& previous, std::size_t count) {
+    layers.reserve(count + 1);
+    layers.assign(previous.layers.begin(), previous.layers.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
+/// Walks and indexes the main entries at these places, which grow, as one layer on top.
+std::vector<EntryGroup> LayeredIndex::AddLayer(std::vector<std::uint32_t> mainPlaces) {
     PathEntryVector entries;
     entries.reserve(mainPlaces.size());
     for (const std::uint32_t place : mainPlaces)
-        entries.push_back((*mainEntries)[place]);
+        entries.push_back(mainEntries[place]);
     std::vector<EntryGroup> groups = FlattenEntries(entries);
     auto layer = std::make_shared<const PathLayer>(groups);
     indexedNames += layer->GetNameCount();
     for (std::uint32_t group = 0; group < groups.size(); ++group) {
-        GroupUse& use = groupUses[mainPlaces[group]];
-        use.layer = static_cast<std::uint32_t>(layers.size());
-        use.group = group;
+        groupUses[mainPlaces[group]] = {static_cast<std::uint32_t>(layers.size()), group};
         if (!groups[group].ownsEntries)
-            use.handles = std::make_shared<const PathEntryVector>(groups[group].entries);
+            keptEntries.emplace(mainPlaces[group], std::make_shared<const PathEntryVector>(groups[group].entries));
     }
-    layers.push_back({std::move(layer), {}});
+    layers.push_back({std::move(layer), std::move(mainPlaces)});
     return groups;
 }
 
-void LayeredIndex::PlaceGroups() {
+/// Says for each group of each layer where it stands now. `unplaced`, which grow, are the places of no group yet.
+void LayeredIndex::PlaceGroups(std::span<const std::uint32_t> unplaced) {
     for (LayerUse& use : layers)
         use.mainPlaces.assign(use.layer->GetGroupCount(), offPath);
+    auto next = unplaced.begin();
     for (std::uint32_t place = 0; place < groupUses.size(); ++place)
-        layers[groupUses[place].layer].mainPlaces[groupUses[place].group] = place;
+        if (next != unplaced.end() && *next == place)
+            ++next;
+        else
+            layers[groupUses[place].layer].mainPlaces[groupUses[place].group] = place;
     for (LayerUse& use : layers) {
         std::uint32_t last = 0;
         use.isInPathOrder = std::all_of(use.mainPlaces.begin(), use.mainPlaces.end(), [&](std::uint32_t place) {

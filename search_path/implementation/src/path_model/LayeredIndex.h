@@ -1,8 +1,11 @@
 #pragma once
 
 #include "path_model/EntryLeases.h"
+#include "path_model/MainEntryList.h"
 #include "path_model/PathLayer.h"
 #include "path_utilities/PublishOnce.h"
+
+#include <boost/container/flat_map.hpp>
 
 #include <algorithm>
 #include <memory>
@@ -48,10 +51,14 @@ public:
     /// counts twice.
     LayeredIndex(std::shared_ptr<const PathEntryVector> mainEntries, const LayeredIndex& previous);
 
+    /// `previous` with other main entries at some places. Costs what comes new; of the rest only numbers are copied.
+    /// REQUIRES: the replacements are in the order of their places, each place once.
+    LayeredIndex(const LayeredIndex& previous, std::span<const EntryReplacement> replacements);
+
     LayeredIndex(const LayeredIndex&) = delete;
     LayeredIndex& operator=(const LayeredIndex&) = delete;
 
-    [[nodiscard]] const std::shared_ptr<const PathEntryVector>& GetMainEntries() const noexcept { return mainEntries; }
+    [[nodiscard]] const MainEntryList& GetMainEntries() const noexcept { return mainEntries; }
 
     /// Every entry in path order; made when the index was, or, for a derived one, when first asked for.
     [[nodiscard]] const PathEntryVector& GetAllEntries() const;
@@ -115,15 +122,15 @@ public:
     }
     [[nodiscard]] std::shared_ptr<const IPathEntry> GetHandle(std::uint32_t mainPlace, const Slot& slot) const {
         if (!slot.isOwnedByMain)
-            return (*groupUses[mainPlace].handles)[slot.ordinal];
-        return leases.Take(mainPlace, (*mainEntries)[mainPlace], *slot.entry);
+            return (*keptEntries.find(mainPlace)->second)[slot.ordinal];
+        return leases.Take(mainPlace, mainEntries[mainPlace], *slot.entry);
     }
 
     /// Has the counter of a main entry, which stands in front of it, brought near while its files are compared; most
     /// answers are found at the first place that is looked at.
     void PrepareHandle(std::uint32_t mainPlace) const noexcept {
 #if defined(__GNUC__)
-        __builtin_prefetch((*mainEntries)[mainPlace].get(), 1);
+        __builtin_prefetch(mainEntries[mainPlace].get(), 1);
 #endif
     }
 
@@ -135,7 +142,6 @@ private:
     struct GroupUse {
         std::uint32_t layer = 0;
         std::uint32_t group = 0;
-        std::shared_ptr<const PathEntryVector> handles; // only of a group that its main entry does not keep alive
     };
 
     [[nodiscard]] static Place MakePlace(std::uint32_t mainPlace, std::uint32_t layer, const Slot& slot) noexcept {
@@ -143,15 +149,18 @@ private:
     }
 
     [[nodiscard]] std::size_t CountKeptLayers(std::size_t addedWeight) const;
-    [[nodiscard]] std::vector<EntryGroup> AddLayer(std::span<const std::uint32_t> mainPlaces);
-    void PlaceGroups();
+    void TakeLayers(const LayeredIndex& previous, std::size_t count);
+    std::vector<EntryGroup> AddLayer(std::vector<std::uint32_t> mainPlaces);
+    void PlaceGroups(std::span<const std::uint32_t> unplaced);
     [[nodiscard]] PathEntryVector CollectAllEntries() const;
     template <class Find>
     [[nodiscard]] std::vector<Place> Collect(const Find& find) const;
 
-    std::shared_ptr<const PathEntryVector> mainEntries;
+    MainEntryList mainEntries;
     std::vector<LayerUse> layers;
     std::vector<GroupUse> groupUses; // by place of the main entry
+    /// By place of the main entry: the entries of a group that its main entry does not keep alive; rare.
+    boost::container::flat_map<std::uint32_t, std::shared_ptr<const PathEntryVector>> keptEntries;
     EntryLeases leases;
     PublishOnce<PathEntryVector> allEntries;
     std::size_t indexedNames = 0;

@@ -82,7 +82,7 @@ Path::~Path() {
 }
 
 std::shared_ptr<const PathEntryVector> Path::GetMainEntries() const {
-    return index->GetMainEntries();
+    return index->GetMainEntries().GetVector();
 }
 
 PathEntryVector Path::GetMethodEntries() const {
@@ -106,7 +106,7 @@ PathEntryVector Path::GetPartiallyMatchingEntries(SearchScope scope, const ustri
 
 std::shared_ptr<const IPathEntry> Path::GetMainEntryForEntry(const IPathEntry& entry) const {
     const auto place = index->FindLocation(entry.GetIRI());
-    return place ? (*index->GetMainEntries())[place->GetMainPlace()] : nullptr;
+    return place ? index->GetMainEntries()[place->GetMainPlace()] : nullptr;
 }
 
 std::shared_ptr<const IPathEntry> Path::GetParentEntryForEntry(const IPathEntry& entry) const {

@@ -15,6 +15,9 @@ public:
 
     [[nodiscard]] std::shared_ptr<const IPath> CreatePath(std::shared_ptr<const PathEntryVector> mainEntries,
                                                           const std::shared_ptr<const IPath>& previous) const override;
+    [[nodiscard]] std::shared_ptr<const IPath>
+    CreatePathWithReplacements(const std::shared_ptr<const IPath>& previous, const PathEntryVector& replaced,
+                               const PathEntryVector& replacements) const override;
 
 private:
     std::shared_ptr<AsynchronousWorkerQueue> queue;

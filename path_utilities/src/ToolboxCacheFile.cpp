@@ -16,7 +16,7 @@ std::string Quote(const std::filesystem::path& file) {
 }
 
 [[noreturn]] void RefuseToSave(const std::filesystem::path& file, const std::string& reason) {
-    throw UnableToSaveToolboxCacheException("The path cache file " + Quote(file) + " was not saved. " + reason);
+    throw UnableToSaveToolboxCacheException(file.native(), reason);
 }
 
 /// The moment whose state is written, not later than it is for whoever stamps the folders below the root.
@@ -35,7 +35,7 @@ void Save(const IPathEntryFactory& factory, const Tolvex::AbsoluteIRI& cacheRoot
         factory.WriteToolboxCache(replacement.GetStream(), cacheRoot);
     } catch (const UnableToSaveToolboxCacheException& failure) {
         const std::string systemText = replacement.GetWriteFailure();
-        RefuseToSave(file, systemText.empty() ? failure.what() : systemText + ".");
+        RefuseToSave(file, systemText.empty() ? failure.GetReason() : systemText + ".");
     }
     ReadToolboxCache(*replacement.ReadBack(), [](const auto&) {});
     replacement.SetModificationTime(began);
@@ -48,6 +48,8 @@ void WriteToolboxPathCache(const IPathEntryFactory& factory, const Tolvex::Absol
                            const std::filesystem::path& file, const Tolvex::IClock& clock) {
     try {
         Save(factory, cacheRoot, file, clock.Now());
+    } catch (const UnableToSaveToolboxCacheException&) {
+        throw;
     } catch (const Tolvex::MessageIdentifierException& refusal) {
         RefuseToSave(file, refusal.what());
     } catch (const ToolboxCacheWrongFormatException& refusal) {

@@ -49,7 +49,7 @@ void ToolboxCacheWriter::Close() {
     text += "</Harrowfen>\n";
     Flush();
     if (!cacheFile.flush())
-        throw UnableToSaveToolboxCacheException("The path cache could not be written to its end.");
+        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()), "It could not be written to its end.");
 }
 
 void ToolboxCacheWriter::WriteFolder(const IPathEntry& entry, std::size_t depth) {
@@ -77,15 +77,17 @@ void ToolboxCacheWriter::WriteFiles(const IPathEntry& entry, std::size_t depth) 
 
 void ToolboxCacheWriter::Append(ustring_view name, const IPathEntry& entry) {
     if (name.find(u'"') != ustring_view::npos)
-        throw UnableToSaveToolboxCacheException("The path cache cannot hold names with a double quote, as \"" +
-                                                ToUtf8(name) + "\" in folder \"" + ToUtf8(entry.GetIRI().getPath()) +
-                                                "\". Rename the file or take the folder off the path.");
+        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()),
+                                                "It cannot hold names with a double quote, as \"" + ToUtf8(name) +
+                                                    "\" in folder \"" + ToUtf8(entry.GetIRI().getPath()) +
+                                                    "\". Rename the file or take the folder off the path.");
     text += ToUtf8(name);
 }
 
 void ToolboxCacheWriter::Flush() {
     if (!cacheFile.write(text.data(), static_cast<std::streamsize>(text.size())))
-        throw UnableToSaveToolboxCacheException("The path cache could not be written: the disk may be full.");
+        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()),
+                                                "It could not be written: the disk may be full.");
     text.clear();
 }
 

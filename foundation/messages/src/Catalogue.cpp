@@ -81,9 +81,8 @@ constexpr auto catalogue = std::to_array<Text>({
     {"TOLVEX:ChangeHandleWarning", "InvalidOption", 0, "Unknown option. Use 'always', 'once', 'never' or 'status'."},
     {"TOLVEX:string", "MustBeStringScalarOrCharacterVector", 0,
      "The input must be a text: a string scalar or a character row vector."},
-    {"TOLVEX:CachePath", "FailedToSave", 1, // what could not be saved
-     "The path cache could not be saved: '{0}'. Check that it may be written there; until then folders are read anew "
-     "at each start."},
+    {"TOLVEX:CachePath", "FailedToSave", 2, // the file, or the root folder; why
+     "The path cache '{0}' could not be saved; an earlier one is still in place. Reason: {1}"},
     {"TOLVEX:CachePath", "FailedToLoad", 2, // the file, why
      "The path cache '{0}' could not be loaded; folders are read from the disk instead. Write it again. Reason: {1}"},
     {"TOLVEX:CachePath", "InvalidOption", 0, "Unknown option. Use 'status', 'write', 'load' or 'drop'."},

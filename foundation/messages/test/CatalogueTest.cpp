@@ -44,7 +44,7 @@ const std::vector<Contract>& GetContracts() {
         {"TOLVEX:ChangeHandleWarning", "notEnoughInputs", 0},
         {"TOLVEX:ChangeHandleWarning", "InvalidOption", 0},
         {"TOLVEX:string", "MustBeStringScalarOrCharacterVector", 0},
-        {"TOLVEX:CachePath", "FailedToSave", 1},
+        {"TOLVEX:CachePath", "FailedToSave", 2},
         {"TOLVEX:CachePath", "FailedToLoad", 2},
         {"TOLVEX:CachePath", "InvalidOption", 0},
         {"TOLVEX:CachePath", "InvalidFile", 0},

@@ -3,8 +3,12 @@
 #include "current_folder/CurrentFolderPathManagerFactory.h"
 #include "foundation/components/ComponentFeature.h"
 #include "foundation/components/IComponent.h"
+#include "foundation/diagnostics/LogChannel.h"
 #include "path_interfaces/events/CurrentFolderComponentHasBeenChangedEvent.h"
 
+#include <boost/make_shared.hpp>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace PathManagement {
@@ -99,6 +103,39 @@ TEST_F(CurrentFolderTest, StandsForMainAndPrivateFoldersOnly) {
         EXPECT_EQ(Where(*manager.GetCurrentFolderPath()), path) << folder;
         EXPECT_EQ(PathManagement::Where(manager.CreateMemento()->entry), folder);
     }
+}
+
+TEST_F(CurrentFolderTest, WritesDownWhatStandsForTheFolder) {
+    const auto written = [this](std::string_view folder, int level) {
+        Tolvex::SetLogLevel("searchpath::currentfolder", level);
+        testing::internal::CaptureStderr();
+        GoTo(folder);
+        Tolvex::SetLogLevel("searchpath::currentfolder", 0);
+        return testing::internal::GetCapturedStderr();
+    };
+    using testing::AllOf;
+    using testing::HasSubstr;
+    EXPECT_EQ(written("/a", 1), "");
+    EXPECT_THAT(written("/work", 2),
+                AllOf(HasSubstr(" currentFolderIri.toString()=memory:///work"), Not(HasSubstr("successfully"))));
+    EXPECT_THAT(written("/a", 8), HasSubstr("Current folder path created successfully."));
+    EXPECT_THAT(written("/work/+p", 8), HasSubstr("Current folder path empty."));
+    const ComponentsSwitchedOn on;
+    EXPECT_THAT(written("/a", 8), AllOf(HasSubstr("memory:///a"), Not(HasSubstr("successfully"))));
+    EXPECT_THAT(written("/work/+p", 8), Not(HasSubstr("empty")));
+}
+
+/// Gives connections to nothing.
+class DeafEventMgr final : public Tolvex::EventMgr {
+    Tolvex::ScopedConnection DoSubscribe(std::type_index, Handler, std::string) override { return {}; }
+    void DoPublish(std::type_index, void*, Keep*) override {}
+    void DoPublishNow(std::type_index, const void*) override {}
+};
+
+TEST_F(CurrentFolderTest, EndsTheProcessWhenItCannotListen) {
+    EXPECT_DEATH(CurrentFolderPathManager(boost::make_shared<DeafEventMgr>(), world.components, world.factory,
+                                          world.pathFactory, world.folderMonitor, world.At("/work")),
+                 "!m_currentFolderListener.isEmpty\\(\\).*CurrentFolderPathManager");
 }
 
 TEST_F(CurrentFolderTest, SaysWhatWasBefore) {

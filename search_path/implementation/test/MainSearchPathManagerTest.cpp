@@ -1,4 +1,5 @@
 #include "ManagerWorld.h"
+#include "PackageWorld.h"
 
 #include "foundation/components/ModularPackageRegistryHasBeenChanged.h"
 #include "path_interfaces/PathAlterationExceptions.h"
@@ -152,6 +153,10 @@ TEST(MainSearchPathManager, AppliesItsMutabilityPolicy) {
     EXPECT_EQ(log.Take(), Texts());
     world.Set({"/b", "/a"});
     EXPECT_EQ(Where(*world.manager.GetPath()), "/work /b /a");
+    log.Take();
+    world.Set({"/b", "/a"});
+    world.manager.RebuildPath();
+    EXPECT_EQ(log.Take(), (Texts{"0", "1", "2", "0", "1", "2"})) << "the same again is no alteration";
     world.ChangeFolder("/other");
     EXPECT_EQ(Where(*world.manager.GetPath()), "/other /b /a") << "what the user has set stays as it is";
     world.OnDisk([](auto& storage) { storage.Rename("/b", "/away"); });
@@ -245,6 +250,70 @@ TEST(MainSearchPathManager, ReadsTheCurrentFolderAgainOnRequestAlsoWhereItIsStor
         EXPECT_EQ(log.Take(), Stages(" !/b refresh"));
         EXPECT_EQ(world.TakeListings(), 1u);
     }
+}
+
+TEST(MainSearchPathManager, AChangeOfTheCurrentFoldersPolicyRefreshesThePath) {
+    ManagerWorld world(disk);
+    world.Set({"/a", "/b"});
+    EventLog log(world);
+    world.OnDisk([](auto& storage) { storage.Add("/b/new.kx"); });
+    world.manager.SetCurrentFolderPolicy(CurrentFolderPolicy::noCurrentFolder);
+    EXPECT_EQ(world.Find("new"), "/b/new.kx");
+    EXPECT_EQ(log.Take(), Stages(" c-/work !/b cd"));
+
+    world.OnDisk([](auto& storage) { storage.Add("/b/newer.kx"); });
+    log.onEvent = [&](const PathChangeEvent& event) {
+        if (event.GetStage() == PathChangeEvent::Stage::beforeChange)
+            world.manager.SetCurrentFolderPolicy(CurrentFolderPolicy::trackWorkingFolder);
+    };
+    world.Set({"/b", "/a"});
+    EXPECT_EQ(world.Find("newer"), "/b/newer.kx");
+    EXPECT_EQ(Where(*world.manager.GetPath()), "/work /b /a");
+}
+
+TEST(MainSearchPathManager, RefreshesOfTheCurrentFolderLeaveTheStoredPathAlone) {
+    ManagerWorld world(disk);
+    world.Set({"/b"});
+    world.ChangeFolder("/a/private");
+    world.OnDisk([](auto& storage) {
+        storage.Add("/a/private/new.kx");
+        storage.Add("/b/new.kx");
+    });
+    world.manager.RefreshPath(RefreshType::knownChanges);
+    const auto stored = world.manager.CreateMemento()->storedPath;
+    const std::weak_ptr<const IPathEntry> inFront = world.manager.GetPath()->GetMainEntries()->front();
+    world.OnDisk([](auto& storage) { storage.Add("/a/private/newer.kx"); });
+    world.manager.RefreshPath(RefreshType::knownChanges);
+    EXPECT_EQ(world.Find("newer"), "/a/private/newer.kx");
+    EXPECT_EQ(world.manager.CreateMemento()->storedPath, stored);
+    world.ChangeFolder("/other");
+    world.queue->WaitUntilIdle();
+    EXPECT_TRUE(inFront.expired());
+}
+
+TEST(MainSearchPathManager, WatchesEntriesThatStayAsTheirPackagesSay) {
+    ManagerWorld world({"/p/f.kx", "/x/g.kx"});
+    world.Set({"/p", "/x"});
+    const auto drawLevels = [&world] {
+        std::string levels;
+        for (const auto& entry : *world.manager.CreateMemento()->storedPath->GetMainEntries())
+            levels += std::to_string(static_cast<int>(world.factory.GetEntryState(*entry).level));
+        return levels;
+    };
+    struct Case {
+        std::vector<std::string> packages;
+        const char* levels;
+    };
+    for (const auto& [packages, levels] :
+         {Case{{}, "22"}, Case{{"p1 /p"}, "12"}, Case{{"p1 /p watched", "x1 /x"}, "21"}})
+        for (const bool isSet : {true, false}) {
+            world.registrar->ReplaceRegistry(MakeRegistry(std::vector<std::string>()), *world.bus);
+            world.manager.RebuildPath();
+            EXPECT_EQ(drawLevels(), "22");
+            world.registrar->ReplaceRegistry(MakeRegistry(packages), *world.bus);
+            isSet ? world.Set({"/p", "/x"}) : world.manager.RebuildPath();
+            EXPECT_EQ(drawLevels(), levels) << packages.size();
+        }
 }
 
 /// Somebody keeps the entry of a main folder, so that its child stays the child of a folder that is no longer stored.

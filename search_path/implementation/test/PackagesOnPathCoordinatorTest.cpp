@@ -82,6 +82,16 @@ TEST_F(PackagesOnPathCoordinatorTest, AHostSeesThePackagesOnThePathAndOneReportF
     EXPECT_EQ(world.Find("h"), "-");
 }
 
+TEST_F(PackagesOnPathCoordinatorTest, WhoeverListensToTheRegistryFindsThePathChangedAlready) {
+    Tolvex::EngineScopeStore::End();
+    std::string seen;
+    const auto early =
+        world.bus->Subscribe<TolvexPackages::PackageRegistryHasBeenChanged>([&](const auto&) { seen = GetFolders(); });
+    Install([](const Notification&) {});
+    Register({"q1 /q manual"});
+    EXPECT_EQ(seen, "/x /p/m /y /q");
+}
+
 TEST_F(PackagesOnPathCoordinatorTest, TheManagersOwnMessagesAreInTheReport) {
     Register({"p1 /p manual", "z1 /nowhere manual"});
     EXPECT_EQ(GetFolders(), "/x /y /p"); // what does not exist is left out, and what belongs to a package

@@ -12,7 +12,8 @@ class IMainSearchPathManager;
 /// One change of a manager's path, announced three times. What it says is the same in each stage; it may be kept.
 ///
 /// A handler may ask the manager anything. A change that it starts is refused with RecursivePathChangeException; a
-/// refresh that it asks for is made once the change is over.
+/// refresh that it asks for is made once the change is over, or with the next one when a handler throws. A handler that
+/// asks for one in answer to every event never lets the changes end.
 class PathChangeEvent {
 public:
     enum class Stage : std::uint32_t {

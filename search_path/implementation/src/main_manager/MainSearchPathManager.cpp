@@ -176,6 +176,7 @@ void MainSearchPathManager::SetPathEntries(PathEntryVector entries, Tolvex::Noti
     PathChange change = Compose({pathFactory.CreatePath(after, stored), stored->GetMainEntries(), after});
     if (*change.paths->pathComponents != accepted.components)
         change.paths->pathComponents = std::make_shared<const Components>(std::move(accepted.components));
+    change.isSet = true;
     InstallNewPath(change);
 }
 
@@ -228,7 +229,10 @@ void MainSearchPathManager::SetCurrentFolderPolicy(CurrentFolderPolicy policy) {
         throw;
     }
     pendingRefresh.reset();
-    HandleCurrentFolderChanged();
+    if (changeInProgress)
+        pendingRefresh = RefreshType::knownChanges;
+    else
+        Install(UpdateEntries(), /*isRefresh*/ false);
 }
 
 void MainSearchPathManager::SetCurrentFolderPathManager() {
@@ -269,6 +273,14 @@ void MainSearchPathManager::Refresh(RefreshType type) {
     }
     pendingRefresh.reset();
     MarkEntriesOutOfDate(type);
+    const UpdatedEntries updated = UpdateEntries();
+    if (updated.stored.path == installedPaths.Load()->storedPath && IsCurrentFolderInFront())
+        return NoteRefreshed(updated.upTo);
+    Install(updated, /*isRefresh*/ true);
+}
+
+/// Asks those entries that may be out of date, and has new ones made of those that are.
+MainSearchPathManager::UpdatedEntries MainSearchPathManager::UpdateEntries() {
     const Tolvex::ChangeReport report = pathEntryFactory.GetChangesSince(refreshedUpTo);
     PathEntryRefresher refresher(pathEntryFactory, folderMonitor);
     for (const auto& entry : FindEntriesToAsk(report))
@@ -276,13 +288,13 @@ void MainSearchPathManager::Refresh(RefreshType type) {
     if (isFrontToBeAsked || report.askEachObserver || !report.changed.empty())
         static_cast<void>(currentFolderPathManager.Load()->RequestRefresh(RefreshType::knownChanges));
 
-    const auto installed = installedPaths.Load();
-    const StoredPathChange stored = refresher.Replace(installed->storedPath, pathFactory);
-    if (stored.path == installed->storedPath && IsCurrentFolderInFront())
-        return NoteRefreshed(report.now);
-    PathChange change = Compose(stored);
-    change.isRefresh = true;
-    change.refreshedUpTo = report.now;
+    return {refresher.Replace(installedPaths.Load()->storedPath, pathFactory), report.now};
+}
+
+void MainSearchPathManager::Install(const UpdatedEntries& updated, bool isRefresh) {
+    PathChange change = Compose(updated.stored);
+    change.isRefresh = isRefresh;
+    change.refreshedUpTo = updated.upTo;
     InstallNewPath(change);
 }
 
@@ -407,6 +419,8 @@ void MainSearchPathManager::UpdateObservation(const PathChange& change) const {
     for (const auto* difference : {&change.mainDifference, &change.currentFolderDifference})
         for (const auto& entries : {difference->GetAdded(), difference->GetRemoved(), difference->GetRefreshedAfter()})
             pathEntryFactory.UpdateObservation(*entries, folderMonitor);
+    if (change.isSet)
+        pathEntryFactory.UpdateObservation(*change.paths->storedPath->GetMainEntries(), folderMonitor);
 }
 
 PathChangeEvent MainSearchPathManager::MakeEvent(PathChangeEvent::Stage stage, const PathChange& change) const {

@@ -56,10 +56,17 @@ private:
         PathEntryVector foreign;      // the factory's observers do not speak for them
     };
 
+    struct UpdatedEntries {
+        StoredPathChange stored;
+        Tolvex::ChangeToken upTo; // what changed before is in `stored`
+    };
+
     void SetCurrentFolderPathManager();
     void HandleCurrentFolderChanged();
     void HandleRegistryChange();
     void Refresh(RefreshType type);
+    [[nodiscard]] UpdatedEntries UpdateEntries();
+    void Install(const UpdatedEntries& updated, bool isRefresh);
     [[nodiscard]] bool IsCurrentFolderInFront() const;
     void MarkEntriesOutOfDate(RefreshType type) const;
     void MarkPathEntriesOutOfDate(RefreshType type) const;

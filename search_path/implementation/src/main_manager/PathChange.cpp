@@ -36,8 +36,8 @@ void ComposeViews(InstalledPaths& paths) {
 
 /// Puts the refreshed entries of both lists together; one that stands on both is told once.
 void JoinRefreshed(PathChange& change) {
-    auto before = change.mainDifference.GetRefreshedBefore();
-    auto after = change.mainDifference.GetRefreshedAfter();
+    auto before = std::make_shared<PathEntryVector>(*change.mainDifference.GetRefreshedBefore());
+    auto after = std::make_shared<PathEntryVector>(*change.mainDifference.GetRefreshedAfter());
     const auto currentBefore = change.currentFolderDifference.GetRefreshedBefore();
     const auto currentAfter = change.currentFolderDifference.GetRefreshedAfter();
     for (std::size_t i = 0; i < currentBefore->size(); ++i) {

@@ -25,6 +25,8 @@ struct PathChange {
     std::shared_ptr<InstalledPaths> paths;
     bool currentFolderChanged = false;
     bool isRefresh = false;
+    /// Somebody set the stored entries: what is known of the packages of those that stay may have changed, too.
+    bool isSet = false;
     PathEntryVectorDifferentiator mainDifference;          ///< of the stored main entries
     PathEntryVectorDifferentiator currentFolderDifference; ///< of those of the current folder's path
     PathChangeEvent::Entries refreshedBefore;              ///< of both differences, each entry once

@@ -63,7 +63,7 @@ std::string Write(const fs::path& file, bool makeFolder) {
     try {
         WriteToolboxPathCache(factory, factory.GetInstallationFolder(), file);
     } catch (const UnableToSaveToolboxCacheException& failure) {
-        Raise("FailedToSave", file, failure.what());
+        Raise("FailedToSave", file, failure.GetReason());
     }
     return file;
 }

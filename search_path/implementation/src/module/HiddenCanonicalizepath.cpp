@@ -21,7 +21,10 @@ void HiddenCanonicalizepath(int outputCount, vxArray* outputs[], int inputCount,
     const auto path = TolvexArrays::GetScalarText(*inputs[0]);
     if (!path)
         TolvexArrays::RaiseHostError({"TOLVEX:string", "MustBeStringScalarOrCharacterVector", {}});
-    const auto location = CanonicalizeRelativePathAgainstCWD(*path, Tolvex::GetCurrentWorkingFolder().get());
+    // An absolute path has an answer even where the working folder is gone.
+    const auto base = path->starts_with(u'/') ? Tolvex::AbsoluteIRI("file", u"/")
+                                              : Tolvex::AbsoluteIRI(Tolvex::GetCurrentWorkingFolder().get());
+    const auto location = CanonicalizeRelativePathAgainstCWD(*path, base);
     outputs[0] = MakeTextOfKind(TolvexArrays::GetKind(*inputs[0]), GetStringFromIRI(location)).release();
 }
 

@@ -4,7 +4,7 @@
 
 namespace TolvexComponents {
 
-/// The process's switch for components; off until a host sets it. Whoever depends on it reads it once, when it is made.
+/// The process's switch for components; off until a host sets it.
 /// Safe from any thread.
 class KX_EXPORT ComponentFeature {
 public:

@@ -3,6 +3,7 @@
 #include "foundation/storage/FileReplacement.h"
 #include "foundation/storage/StorageSystem.h"
 #include "path_utilities/ToolboxCacheReader.h"
+#include "path_utilities/ToolboxCacheWriter.h"
 
 #include <algorithm>
 #include <fstream>
@@ -32,7 +33,7 @@ void Save(const IPathEntryFactory& factory, const Tolvex::AbsoluteIRI& cacheRoot
     Tolvex::FileReplacement replacement(file);
     const auto began = FindBeginning(replacement, cacheRoot, now);
     try {
-        factory.WriteToolboxCache(replacement.GetStream(), cacheRoot);
+        factory.WriteToolboxCache(replacement.GetStream() << refuseNamesThatBreakTheFormat, cacheRoot);
     } catch (const UnableToSaveToolboxCacheException& failure) {
         const std::string systemText = replacement.GetWriteFailure();
         RefuseToSave(file, systemText.empty() ? failure.GetReason() : systemText + ".");

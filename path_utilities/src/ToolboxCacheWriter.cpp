@@ -33,7 +33,18 @@ char GetKindLetter(Tolvex::ItemKind kind) noexcept {
     }
 }
 
+/// Where a stream keeps whether names are refused.
+int GetRefusalIndex() {
+    static const int index = std::ios_base::xalloc();
+    return index;
+}
+
 } // namespace
+
+std::ostream& refuseNamesThatBreakTheFormat(std::ostream& cacheFile) {
+    cacheFile.iword(GetRefusalIndex()) = 1;
+    return cacheFile;
+}
 
 ToolboxCacheWriter::ToolboxCacheWriter(std::ostream& cacheFile, Tolvex::CanonicalAbsoluteIRI cacheRoot)
     : cacheFile(cacheFile), cacheRoot(std::move(cacheRoot)) {
@@ -48,8 +59,7 @@ void ToolboxCacheWriter::Write(const IPathEntry& topLevelFolder) {
 void ToolboxCacheWriter::Close() {
     text += "</Harrowfen>\n";
     Flush();
-    if (!cacheFile.flush())
-        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()), "It could not be written to its end.");
+    DemandSuccess([this] { cacheFile.flush(); }, "It could not be written to its end.");
 }
 
 void ToolboxCacheWriter::WriteFolder(const IPathEntry& entry, std::size_t depth) {
@@ -76,7 +86,7 @@ void ToolboxCacheWriter::WriteFiles(const IPathEntry& entry, std::size_t depth) 
 }
 
 void ToolboxCacheWriter::Append(ustring_view name, const IPathEntry& entry) {
-    if (name.find(u'"') != ustring_view::npos)
+    if (name.find(u'"') != ustring_view::npos && cacheFile.iword(GetRefusalIndex()) != 0)
         throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()),
                                                 "It cannot hold names with a double quote, as \"" + ToUtf8(name) +
                                                     "\" in folder \"" + ToUtf8(entry.GetIRI().getPath()) +
@@ -85,10 +95,21 @@ void ToolboxCacheWriter::Append(ustring_view name, const IPathEntry& entry) {
 }
 
 void ToolboxCacheWriter::Flush() {
-    if (!cacheFile.write(text.data(), static_cast<std::streamsize>(text.size())))
-        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()),
-                                                "It could not be written: the disk may be full.");
+    const auto write = [this] { cacheFile.write(text.data(), static_cast<std::streamsize>(text.size())); };
+    DemandSuccess(write, "It could not be written: the disk may be full.");
     text.clear();
+}
+
+/// A stream may be one that throws.
+template <class Output>
+void ToolboxCacheWriter::DemandSuccess(const Output& output, const char* refusal) {
+    try {
+        output();
+    } catch (const std::ios_base::failure&) {
+        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()), refusal);
+    }
+    if (!cacheFile)
+        throw UnableToSaveToolboxCacheException(ToUtf8(cacheRoot.getPath()), refusal);
 }
 
 } // namespace PathManagement

@@ -71,8 +71,9 @@ public:
 
     /// Writes a path cache file of every main-folder entry kept here that lies below `cacheRoot`, in the order of their
     /// locations. Folders that may have changed are listed again for it, so that the file is true as of the moment in
-    /// which writing began. Throws UnableToSaveToolboxCacheException; Tolvex::StorageError when the root cannot be
-    /// opened.
+    /// which writing began. Names are written as they are, those that no reader will take among them
+    /// (WriteToolboxPathCache refuses these). Throws UnableToSaveToolboxCacheException; Tolvex::StorageError when the
+    /// root cannot be opened.
     virtual void WriteToolboxCache(std::ostream& cacheFile, const Tolvex::AbsoluteIRI& cacheRoot) const = 0;
 
     /// Forgets what came from cache files. Entries that are in use stay what they are.

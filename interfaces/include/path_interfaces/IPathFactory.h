@@ -15,14 +15,6 @@ public:
     [[nodiscard]] virtual std::shared_ptr<const IPath>
     CreatePath(std::shared_ptr<const PathEntryVector> mainEntries,
                const std::shared_ptr<const IPath>& previous) const = 0;
-
-    /// A path like `previous`, where each of `replacements` stands in the place of the main entry in the same place of
-    /// `replaced`. When this factory made `previous`, this costs what comes new, however long the path is; the list of
-    /// main entries is then made when it is first asked for. REQUIRES: no null entry, lists of one length; each of
-    /// `replaced` stands once among the main entries of `previous`.
-    [[nodiscard]] virtual std::shared_ptr<const IPath>
-    CreatePathWithReplacements(const std::shared_ptr<const IPath>& previous, const PathEntryVector& replaced,
-                               const PathEntryVector& replacements) const = 0;
 };
 
 } // namespace PathManagement

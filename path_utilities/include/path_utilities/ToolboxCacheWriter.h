@@ -8,6 +8,10 @@
 
 namespace PathManagement {
 
+/// A manipulator, as std::boolalpha is: on this stream names that the format cannot carry are refused. On others they
+/// are written as they are.
+KX_EXPORT std::ostream& refuseNamesThatBreakTheFormat(std::ostream& cacheFile);
+
 /// Writes one path cache file. Each top-level folder goes out as soon as it is given. For one thread.
 class KX_EXPORT ToolboxCacheWriter {
 public:
@@ -15,7 +19,7 @@ public:
     ToolboxCacheWriter(std::ostream& cacheFile, Tolvex::CanonicalAbsoluteIRI cacheRoot);
 
     /// Writes a folder below the cache root, its child folders and files. Throws UnableToSaveToolboxCacheException for
-    /// a name that the format cannot carry and for a stream that fails.
+    /// a stream that fails, and for a name that this stream refuses.
     void Write(const IPathEntry& topLevelFolder);
 
     /// Writes the last line and flushes. Throws UnableToSaveToolboxCacheException for a stream that fails. Without it
@@ -27,6 +31,8 @@ private:
     void WriteFiles(const IPathEntry& entry, std::size_t depth);
     void Append(ustring_view name, const IPathEntry& entry);
     void Flush();
+    template <class Output>
+    void DemandSuccess(const Output& output, const char* refusal);
 
     std::ostream& cacheFile;
     Tolvex::CanonicalAbsoluteIRI cacheRoot;

@@ -304,6 +304,20 @@ RC_GTEST_PROP(PathModel, AnswersAsBruteForceDoesWhereTheDiskIgnoresCase, ()) {
     Story(CaseRule::insensitive).Run();
 }
 
+TEST(Path, ExchangesEntriesAllAtOnce) {
+    PathWorld world({"/a/x.kx", "/b/y.kx"});
+    PathWorld other(world.storage);
+    const auto a = world.Entry("/a");
+    const auto b = world.Entry("/b");
+    const auto sameFolder = other.Entry("/a");
+    for (const PathEntryVector& before : {PathEntryVector{a, b}, PathEntryVector{a, b, sameFolder}}) {
+        PathEntryVector after = before;
+        std::ranges::rotate(after, after.begin() + 1);
+        const auto path = world.PathWithReplacements(world.PathOf(before), before, after);
+        EXPECT_EQ(*path->GetMainEntries(), after);
+    }
+}
+
 TEST(Path, CostsWhatChangedAndKeepsFewLayers) {
     constexpr int folders = 400;
     std::vector<std::string> files;

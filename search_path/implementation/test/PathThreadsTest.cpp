@@ -2,12 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include <tbb/global_control.h>
+#include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
+
 #include <atomic>
 #include <mutex>
 #include <thread>
 
 namespace PathManagement {
 namespace {
+
+/// A host calls from tasks of its own and may hold a lock that its other tasks want.
+TEST(PathThreads, NoTaskOfTheHostRunsInTheMiddleOfACall) {
+    const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, 8);
+    std::vector<std::string> files;
+    std::vector<Tolvex::AbsoluteIRI> locations;
+    for (int folder = 0; folder < 300; ++folder) {
+        locations.push_back(PathWorld::At("/m" + std::to_string(folder)));
+        for (int file = 0; file < 10; ++file)
+            files.push_back("/m" + std::to_string(folder) + "/f" + std::to_string(folder * 10 + file) + ".kx");
+    }
+    PathWorld world(files);
+    thread_local bool isInside = false;
+    std::atomic<int> inTheMiddle = 0;
+    const auto task = [&](int number) {
+        if (isInside)
+            ++inTheMiddle;
+        if (isInside || number % 4 != 0)
+            return;
+        isInside = true;
+        Tolvex::Notification problems;
+        static_cast<void>(world.PathOf(world.factory.CreatePathEntries(locations, world.monitor, problems)));
+        isInside = false;
+    };
+    tbb::task_arena arena(8);
+    arena.execute([&] { tbb::parallel_for(0, 64, task, tbb::simple_partitioner()); });
+    EXPECT_EQ(inTheMiddle, 0);
+}
 
 /// Paths are built, derived and dropped in one thread while others look names up on whatever path is there and are
 /// sometimes its last owner. Meant for the thread sanitizer; the answers are checked anyway.

@@ -7,6 +7,7 @@
 #include "foundation/storage/MemoryStorage.h"
 #include "path_model/PathEntryFactory.h"
 #include "path_model/PathFactory.h"
+#include "path_utilities/PathReplacement.h"
 #include "path_utilities/UniformFolderMonitor.h"
 
 #include <initializer_list>
@@ -50,7 +51,7 @@ public:
                 replaced.push_back(before[i]);
                 replacements.push_back(after[i]);
             }
-        return pathFactory.CreatePathWithReplacements(previous, replaced, replacements);
+        return CreatePathWithReplacements(pathFactory, previous, replaced, replacements);
     }
 
     std::shared_ptr<const IPath> PathOf(std::initializer_list<std::string_view> folders) {

@@ -220,6 +220,21 @@ TEST(ToolboxCache, WritingListsAgainWhatNobodyLooksAt) {
     EXPECT_NE(WriteCache(second, "/root").find("b.kx"), std::string::npos);
 }
 
+TEST(ToolboxCache, AStreamGetsNamesAsTheyAreAndItsFailuresAreTold) {
+    PathWorld world({"/r/m/a\"b&<.kx"});
+    const auto entry = world.Entry("/r/m");
+    std::ostringstream out;
+    world.factory.WriteToolboxCache(out, PathWorld::At("/r"));
+    EXPECT_NE(out.str().find("name=\"a\"b&<.kx\"/>"), std::string::npos) << out.str();
+    for (const auto thrown : {std::ios::goodbit, std::ios::failbit | std::ios::badbit}) {
+        struct NothingFits : std::streambuf {
+        } nothingFits;
+        std::ostream broken(&nothingFits);
+        broken.exceptions(thrown);
+        EXPECT_THROW(world.factory.WriteToolboxCache(broken, PathWorld::At("/r")), UnableToSaveToolboxCacheException);
+    }
+}
+
 TEST(ToolboxCache, NothingOfARefusedFileIsUsed) {
     PathWorld world({"/root/m/a.kx"});
     EXPECT_THROW(LoadCache(world, "/root",

@@ -9,6 +9,7 @@
 #include "main_manager/SearchPathPublicFunctions.h"
 #include "path_interfaces/PathAlterationExceptions.h"
 #include "path_interfaces/events/PathManagerWillBeDestroyedEvent.h"
+#include "path_utilities/PathReplacement.h"
 
 #include <algorithm>
 #include <array>
@@ -59,7 +60,7 @@ public:
             before.push_back(std::move(update.before));
             after.push_back(std::move(update.after));
         }
-        auto path = before.empty() ? stored : pathFactory.CreatePathWithReplacements(stored, before, after);
+        auto path = before.empty() ? stored : CreatePathWithReplacements(pathFactory, stored, before, after);
         return {std::move(path), std::make_shared<const PathEntryVector>(std::move(before)),
                 std::make_shared<const PathEntryVector>(std::move(after))};
     }

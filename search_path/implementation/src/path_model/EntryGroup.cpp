@@ -1,8 +1,7 @@
 #include "path_model/EntryGroup.h"
 
 #include "path_model/PathEntry.h"
-
-#include <tbb/parallel_for.h>
+#include "path_model/SideBySide.h"
 
 #include <typeinfo>
 
@@ -39,8 +38,7 @@ EntryGroup FlattenEntry(const std::shared_ptr<const IPathEntry>& mainEntry) {
 
 std::vector<EntryGroup> FlattenEntries(std::span<const std::shared_ptr<const IPathEntry>> mainEntries) {
     std::vector<EntryGroup> groups(mainEntries.size());
-    tbb::parallel_for(std::size_t{0}, mainEntries.size(),
-                      [&](std::size_t i) { groups[i] = FlattenEntry(mainEntries[i]); });
+    ForEachSideBySide(mainEntries.size(), [&](std::size_t i) { groups[i] = FlattenEntry(mainEntries[i]); });
     return groups;
 }
 

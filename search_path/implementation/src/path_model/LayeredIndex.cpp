@@ -237,6 +237,20 @@ std::vector<LayeredIndex::Place> LayeredIndex::FindFolderName(const ustring& fol
     return Collect([&](const PathLayer& layer) { return layer.FindFolderName(foldedName); });
 }
 
+std::size_t LayeredIndex::CountName(std::uint32_t hash) const noexcept {
+    std::size_t count = 0;
+    for (const LayerUse& use : layers)
+        count += use.layer->FindName(hash).size();
+    return count;
+}
+
+std::size_t LayeredIndex::CountFolderName(const ustring& foldedName) const {
+    std::size_t count = 0;
+    for (const LayerUse& use : layers)
+        count += use.layer->FindFolderName(foldedName).size();
+    return count;
+}
+
 std::vector<LayeredIndex::Place> LayeredIndex::FindType(PathEntryType type) const {
     std::vector<Place> places;
     for (std::uint32_t place = 0; place < groupUses.size(); ++place)

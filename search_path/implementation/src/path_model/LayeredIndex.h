@@ -107,11 +107,21 @@ public:
         }
     }
 
+    /// Whether the file system of one of the folders, or of one that has left the path, ignores case.
+    [[nodiscard]] bool HasFoldersThatIgnoreCase() const noexcept {
+        return std::ranges::any_of(layers, [](const LayerUse& use) { return use.layer->HasFoldersThatIgnoreCase(); });
+    }
+
     /// The first entry in path order at a location.
     [[nodiscard]] std::optional<Place> FindLocation(const Tolvex::AbsoluteIRI& location) const;
 
     /// The entries whose folder's normalised name is `foldedName`, in path order.
     [[nodiscard]] std::vector<Place> FindFolderName(const ustring& foldedName) const;
+
+    /// How many entries at most may hold files of a name, or have a folder of that normalised name. Found without
+    /// looking at them.
+    [[nodiscard]] std::size_t CountName(std::uint32_t hash) const noexcept;
+    [[nodiscard]] std::size_t CountFolderName(const ustring& foldedName) const;
 
     /// All entries of one type, in path order.
     [[nodiscard]] std::vector<Place> FindType(PathEntryType type) const;

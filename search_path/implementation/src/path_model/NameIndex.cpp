@@ -1,6 +1,6 @@
 #include "path_model/NameIndex.h"
 
-#include <tbb/parallel_for.h>
+#include "path_model/SideBySide.h"
 
 #include <algorithm>
 #include <bit>
@@ -40,10 +40,10 @@ public:
     Sorter(std::span<const std::span<const PathItem>> itemsBySlot, unsigned bits)
         : itemsBySlot(itemsBySlot), bits(bits), partCount(std::size_t{1} << bits) {
         CutIntoChunks();
-        tbb::parallel_for(std::size_t{0}, ChunkCount(), [this](std::size_t chunk) { Count(chunk); });
+        ForEachSideBySide(ChunkCount(), [this](std::size_t chunk) { Count(chunk); });
         AssignPlaces();
         sorted.resize(partBegin.back());
-        tbb::parallel_for(std::size_t{0}, ChunkCount(), [this](std::size_t chunk) { Write(chunk); });
+        ForEachSideBySide(ChunkCount(), [this](std::size_t chunk) { Write(chunk); });
     }
 
     [[nodiscard]] std::span<const Entry> GetPart(std::size_t part) const {
@@ -113,8 +113,7 @@ NameIndex::NameIndex(std::span<const std::span<const PathItem>> itemsBySlot) {
     const Sorter sorter(itemsBySlot, partBits);
     count = sorter.GetCount();
     parts.resize(std::size_t{1} << partBits);
-    tbb::parallel_for(std::size_t{0}, parts.size(),
-                      [&](std::size_t part) { parts[part].Build(sorter.GetPart(part), partBits); });
+    ForEachSideBySide(parts.size(), [&](std::size_t part) { parts[part].Build(sorter.GetPart(part), partBits); });
 }
 
 /// The bucket of the entry's hash, or the empty one where it belongs.

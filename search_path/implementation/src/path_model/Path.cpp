@@ -68,6 +68,23 @@ bool IsMethodFolderOfEitherKind(PathEntryType type) {
     return type == PathEntryType::methodFolder || type == PathEntryType::uddClassFolder;
 }
 
+/// The entries in scope that may hold files of a name, in path order.
+std::vector<LayeredIndex::Place> FindNamed(const LayeredIndex& index, SearchScope scope, const SearchTarget& target) {
+    std::vector<LayeredIndex::Place> places;
+    index.ForEachLayerWithName(target.GetNameHash(), [&](const LayeredIndex::NamedEntries& entries) {
+        entries.ForEach(UINT64_MAX, [&](const LayeredIndex::Place& place, std::uint32_t) {
+            if (scope.Contains(place.slot->type))
+                places.push_back(place);
+            return UINT64_MAX;
+        });
+    });
+    std::sort(places.begin(), places.end());
+    // Two names of one entry may have one hash.
+    const auto repeated = std::ranges::unique(places, {}, &LayeredIndex::Place::order);
+    places.erase(repeated.begin(), repeated.end());
+    return places;
+}
+
 } // namespace
 
 Path::Path(std::unique_ptr<const LayeredIndex> index, std::shared_ptr<AsynchronousWorkerQueue> queue)
@@ -125,6 +142,11 @@ std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const Canoni
 std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const AbsoluteIRI& location,
                                                                     FilenameMatchingPolicy policy) const {
     const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(policy);
+    if (modifier == Tolvex::CaseModifier::exact ||
+        (modifier == Tolvex::CaseModifier::fileSystemRule && !index->HasFoldersThatIgnoreCase())) {
+        const auto place = index->FindLocation(location);
+        return place ? index->GetHandle(*place) : nullptr;
+    }
     for (const Place& place : index->FindFolderName(Tolvex::FoldCase(location.getBaseName()))) {
         const CanonicalAbsoluteIRI candidate = place.slot->entry->GetIRI();
         if (candidate.getScheme() == location.getScheme() &&
@@ -144,7 +166,7 @@ std::optional<FoundItem> Path::FindFirstInScope(SearchScope scope, const SearchT
         return found;
     const PartialPathname pathname(target.GetName());
     const SearchTarget inFolder = target.WithName(pathname.stem);
-    for (const Place& place : FindFolders(scope, pathname.folders)) {
+    for (const Place& place : FindFoldersWithName(scope, pathname.folders, inFolder)) {
         if (auto item = place.slot->entry->FindFirst(inFolder, policy)) {
             found.emplace(index->GetHandle(place), std::move(item));
             break;
@@ -156,9 +178,10 @@ std::optional<FoundItem> Path::FindFirstInScope(SearchScope scope, const SearchT
 std::vector<FoundItem> Path::FindAllInScope(SearchScope scope, const SearchTarget& target,
                                             FilenameMatchingPolicy policy) const {
     if (IsPlainName(target.GetName()))
-        return FindAllByName(scope, target, policy);
+        return FindAllInPlaces(FindNamed(*index, scope, target), target, policy);
     const PartialPathname pathname(target.GetName());
-    return FindAllInPlaces(FindFolders(scope, pathname.folders), target.WithName(pathname.stem), policy);
+    const SearchTarget inFolder = target.WithName(pathname.stem);
+    return FindAllInPlaces(FindFoldersWithName(scope, pathname.folders, inFolder), inFolder, policy);
 }
 
 std::optional<FoundItem> Path::FindFirstByName(SearchScope scope, const SearchTarget& target,
@@ -177,23 +200,6 @@ std::optional<FoundItem> Path::FindFirstByName(SearchScope scope, const SearchTa
     else
         found.emplace(std::move(handle), *winner.item);
     return found;
-}
-
-std::vector<FoundItem> Path::FindAllByName(SearchScope scope, const SearchTarget& target,
-                                           FilenameMatchingPolicy policy) const {
-    std::vector<Place> places;
-    index->ForEachLayerWithName(target.GetNameHash(), [&](const LayeredIndex::NamedEntries& entries) {
-        entries.ForEach(UINT64_MAX, [&](const LayeredIndex::Place& place, std::uint32_t) {
-            if (scope.Contains(place.slot->type))
-                places.push_back(place);
-            return UINT64_MAX;
-        });
-    });
-    std::sort(places.begin(), places.end());
-    // Two names of one entry may have one hash.
-    const auto repeated = std::ranges::unique(places, {}, &Place::order);
-    places.erase(repeated.begin(), repeated.end());
-    return FindAllInPlaces(places, target, policy);
 }
 
 std::vector<FoundItem> Path::FindAllInPlaces(const std::vector<Place>& places, const SearchTarget& target,
@@ -249,6 +255,20 @@ std::vector<Path::Place> Path::FindFolders(SearchScope scope, std::span<const us
     std::erase_if(places, [&](const Place& place) {
         return !scope.Contains(place.slot->type) ||
                !DoesPartialPathnameMatchPathEntryIRI(partialPath, place.slot->entry->GetIRI(), place.slot->comparator);
+    });
+    return places;
+}
+
+/// Of the folders of a partial pathname at least those that hold its file, in path order. Many folders have one name
+/// ("private") and many files another ("Contents"); the way over fewer of them is taken.
+std::vector<Path::Place> Path::FindFoldersWithName(SearchScope scope, std::span<const ustring_view> partialPath,
+                                                   const SearchTarget& target) const {
+    if (partialPath.empty() ||
+        index->CountFolderName(Tolvex::FoldCase(partialPath.back())) <= index->CountName(target.GetNameHash()))
+        return FindFolders(scope, partialPath);
+    std::vector<Place> places = FindNamed(*index, scope, target);
+    std::erase_if(places, [&](const Place& place) {
+        return !DoesPartialPathnameMatchPathEntryIRI(partialPath, place.slot->entry->GetIRI(), place.slot->comparator);
     });
     return places;
 }

@@ -45,10 +45,10 @@ private:
 
     [[nodiscard]] PathEntryVector GetHandles(const std::vector<Place>& places) const;
     [[nodiscard]] std::vector<Place> FindFolders(SearchScope scope, std::span<const ustring_view> partialPath) const;
+    [[nodiscard]] std::vector<Place> FindFoldersWithName(SearchScope scope, std::span<const ustring_view> partialPath,
+                                                         const SearchTarget& target) const;
     [[nodiscard]] std::optional<FoundItem> FindFirstByName(SearchScope scope, const SearchTarget& target,
                                                            FilenameMatchingPolicy policy) const;
-    [[nodiscard]] std::vector<FoundItem> FindAllByName(SearchScope scope, const SearchTarget& target,
-                                                       FilenameMatchingPolicy policy) const;
     [[nodiscard]] std::vector<FoundItem> FindAllInPlaces(const std::vector<Place>& places, const SearchTarget& target,
                                                          FilenameMatchingPolicy policy) const;
 

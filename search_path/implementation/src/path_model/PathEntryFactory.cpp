@@ -2,11 +2,10 @@
 
 #include "foundation/diagnostics/Terminate.h"
 #include "path_interfaces/events/PathEntryWillBeDestroyedEvent.h"
+#include "path_model/SideBySide.h"
 #include "path_model/ToolboxCacheLoader.h"
 #include "path_utilities/ToolboxCacheWriter.h"
 #include "path_utilities/UniformFolderMonitor.h"
-
-#include <tbb/parallel_for.h>
 
 #include <array>
 #include <optional>
@@ -36,7 +35,7 @@ PathEntryVector PathEntryFactory::CreatePathEntries(std::span<const AbsoluteIRI>
                                                     Tolvex::Notification& problems) const {
     PathEntryVector entries(locations.size());
     std::vector<std::optional<Tolvex::MessageIdentifier>> refusals(locations.size());
-    tbb::parallel_for(std::size_t{0}, locations.size(), [&](std::size_t i) {
+    ForEachSideBySide(locations.size(), [&](std::size_t i) {
         try {
             entries[i] = CreateFromExistingFolder(locations[i], monitor);
         } catch (const Tolvex::StorageError& error) {

@@ -25,14 +25,6 @@ std::optional<std::vector<EntryReplacement>> FindPlaces(const LayeredIndex& inde
     return found;
 }
 
-/// `entries` with each of `replaced` exchanged.
-PathEntryVector Exchange(PathEntryVector entries, const PathEntryVector& replaced,
-                         const PathEntryVector& replacements) {
-    for (std::size_t i = 0; i < replaced.size(); ++i)
-        std::ranges::replace(entries, replaced[i], replacements[i]);
-    return entries;
-}
-
 } // namespace
 
 PathFactory::PathFactory(std::shared_ptr<AsynchronousWorkerQueue> queue) : queue(std::move(queue)) {}
@@ -47,16 +39,16 @@ std::shared_ptr<const IPath> PathFactory::CreatePath(std::shared_ptr<const PathE
     return std::make_shared<const Path>(std::move(index), queue);
 }
 
-std::shared_ptr<const IPath> PathFactory::CreatePathWithReplacements(const std::shared_ptr<const IPath>& previous,
-                                                                     const PathEntryVector& replaced,
-                                                                     const PathEntryVector& replacements) const {
+std::shared_ptr<const IPath> PathFactory::DerivePath(const std::shared_ptr<const IPath>& previous,
+                                                     const PathEntryVector& replaced,
+                                                     const PathEntryVector& replacements) const {
     const auto* known = dynamic_cast<const Path*>(previous.get());
-    if (known != nullptr)
-        if (const auto found = FindPlaces(known->GetIndex(), replaced, replacements))
-            return std::make_shared<const Path>(std::make_unique<const LayeredIndex>(known->GetIndex(), *found), queue);
-    return CreatePath(
-        std::make_shared<const PathEntryVector>(Exchange(*previous->GetMainEntries(), replaced, replacements)),
-        previous);
+    if (known == nullptr)
+        return nullptr;
+    const auto found = FindPlaces(known->GetIndex(), replaced, replacements);
+    if (!found)
+        return nullptr;
+    return std::make_shared<const Path>(std::make_unique<const LayeredIndex>(known->GetIndex(), *found), queue);
 }
 
 } // namespace PathManagement

@@ -2,8 +2,7 @@
 
 #include "foundation/text/CaseFolding.h"
 #include "path_model/PathEntry.h"
-
-#include <tbb/parallel_for.h>
+#include "path_model/SideBySide.h"
 
 #include <stdexcept>
 #include <typeinfo>
@@ -50,6 +49,7 @@ void PathLayer::FillSlots(std::span<const EntryGroup> groups) {
             slots.push_back({&entry, items.data(), static_cast<std::uint32_t>(items.size()), group, ordinal,
                              groups[group].parents[ordinal], entry.GetPathEntryType(), entry.GetPathComparator(),
                              groups[group].ownsEntries});
+            hasFoldersThatIgnoreCase = hasFoldersThatIgnoreCase || slots.back().comparator.IgnoresCase();
         }
         groupBegin.push_back(static_cast<std::uint32_t>(slots.size()));
     }
@@ -61,7 +61,7 @@ void PathLayer::IndexFolders() {
         locations.Add(location, slot);
         folderNames.Add(Tolvex::FoldCase(location.getBaseName()), slot);
     };
-    tbb::parallel_for(std::uint32_t{0}, static_cast<std::uint32_t>(slots.size()), index);
+    ForEachSideBySide(static_cast<std::uint32_t>(slots.size()), index);
 }
 
 void PathLayer::IndexNames() {

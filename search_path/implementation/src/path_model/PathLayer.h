@@ -43,6 +43,9 @@ public:
         return std::span(slots).subspan(groupBegin[group], groupBegin[group + 1] - groupBegin[group]);
     }
 
+    /// Whether the file system of one of the folders ignores case.
+    [[nodiscard]] bool HasFoldersThatIgnoreCase() const noexcept { return hasFoldersThatIgnoreCase; }
+
     [[nodiscard]] std::size_t GetNameCount() const noexcept { return names.GetCount(); }
     /// The number of entries and names indexed: what it costs to make the layer again.
     [[nodiscard]] std::size_t GetWeight() const noexcept { return slots.size() + names.GetCount(); }
@@ -68,6 +71,7 @@ private:
     NameIndex names;
     LocationSlotMap locations;
     FolderNameSlotMap folderNames;
+    bool hasFoldersThatIgnoreCase = false;
 };
 
 } // namespace PathManagement

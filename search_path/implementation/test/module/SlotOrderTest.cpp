@@ -7,6 +7,7 @@
 #include "foundation/storage/StorageSystem.h"
 #include "path_interfaces/ICurrentFolderPathManager.h"
 #include "path_interfaces/IMainSearchPathManager.h"
+#include "path_interfaces/IPathDerivation.h"
 #include "path_interfaces/IPathEntryFactory.h"
 #include "path_interfaces/IPathFactory.h"
 
@@ -178,9 +179,8 @@ std::vector<Interface> GetInterfaces() {
          {At("getCanonicalLocation", &Folder::getCanonicalLocation),
           At("getPathComparator", &Folder::getPathComparator), At("getChangeMark", &Folder::getChangeMark),
           At("list", &Folder::list), At("openChild", &Folder::openChild)}},
-        {"IPathFactory",
-         {At("CreatePath", &IPathFactory::CreatePath),
-          At("CreatePathWithReplacements", &IPathFactory::CreatePathWithReplacements)}},
+        {"IPathFactory", {At("CreatePath", &IPathFactory::CreatePath)}},
+        {"IPathDerivation", {At("DerivePath", &IPathDerivation::DerivePath)}},
         {"ICurrentFolderPathManagerFactory", {At("Create", &ICurrentFolderPathManagerFactory::Create)}},
         {"IModularPackageRegistry",
          {At("FindComponentOfFolder", &IModularPackageRegistry::FindComponentOfFolder),

@@ -7,6 +7,8 @@
 #include <fmt/core.h>
 
 #include <cstdio>
+#include <string>
+#include <unordered_set>
 
 namespace TolvexPath {
 
@@ -18,8 +20,19 @@ void PrintMessage(std::string_view text) noexcept {
     }
 }
 
+Tolvex::Notification EachOnce(const Tolvex::Notification& problems) {
+    Tolvex::Notification once;
+    std::unordered_set<std::string> told;
+    problems.ForEach([&](const Tolvex::Notification::Entry& entry) {
+        if (told.insert(Tolvex::GetMessageText(entry.message)).second)
+            once.Add(entry.message, entry.severity);
+        return false;
+    });
+    return once;
+}
+
 void PrintMessages(const Tolvex::Notification& problems) {
-    problems.ForEach([](const Tolvex::Notification::Entry& entry) {
+    EachOnce(problems).ForEach([](const Tolvex::Notification::Entry& entry) {
         PrintMessage(Tolvex::GetMessageText(entry.message));
         return false;
     });

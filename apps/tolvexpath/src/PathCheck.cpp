@@ -1,6 +1,7 @@
 #include "PathCheck.h"
 
 #include "KernelWatches.h"
+#include "Messages.h"
 
 #include "foundation/environment/StorageAccess.h"
 #include "foundation/messages/Catalogue.h"
@@ -87,7 +88,7 @@ private:
     }
 
     void TellLeftOut() {
-        leftOut.ForEach([this](const Tolvex::Notification::Entry& entry) {
+        EachOnce(leftOut).ForEach([this](const Tolvex::Notification::Entry& entry) {
             check.problems.push_back(MakeProblem(entry.message));
             return false;
         });

@@ -5,6 +5,7 @@
 #include "FoldersOnPath.h"
 #include "JsonWriter.h"
 #include "KindNames.h"
+#include "Messages.h"
 #include "Output.h"
 #include "Session.h"
 
@@ -58,7 +59,7 @@ struct LeftOut {
 std::vector<LeftOut> CollectLeftOut(const Tolvex::Notification& refused, std::span<const Tolvex::AbsoluteIRI> locations,
                                     const PathManagement::IMainSearchPathManager& manager) {
     std::vector<LeftOut> leftOut;
-    refused.ForEach([&leftOut](const Tolvex::Notification::Entry& problem) {
+    EachOnce(refused).ForEach([&leftOut](const Tolvex::Notification::Entry& problem) {
         leftOut.push_back({problem.message.GetFullName(), Tolvex::GetMessageText(problem.message)});
         return false;
     });

@@ -30,7 +30,7 @@ class PathCommandTest(FolderTest):
             (["b", "a"], [b, a], []),
             (["link", "b", "a"], [a, b], [("tolvexpath:repeatedFolder", "a")]),  # the first name of a folder counts
             (["gone", "b", "a", "link", "gone", "a/+p", "a/+p", "b"], [b, a],
-             [(missing, "gone"), (missing, "gone"), (wrong_kind("package"), "a/+p"), (wrong_kind("package"), "a/+p"),
+             [(missing, "gone"), (wrong_kind("package"), "a/+p"),  # one thing to mend is told once
               ("tolvexpath:repeatedFolder", "link"), ("tolvexpath:repeatedFolder", "b")]),
             (["a/plain"], [self.folder("a/plain", 1)], []),
             (["gone", "a", "file"], [a], [(missing, "gone"), (missing, "file")]),
@@ -50,6 +50,9 @@ class PathCommandTest(FolderTest):
                 self.assertEqual((result.code, ""), (text.code, text.err))
                 self.assertEqual([folder["folder"] for folder in folders],
                                  [line.split()[-1].decode() for line in text.lines if line[:5].strip().isdigit()])
+                found = self.run_here("find", "f", "--scope", "all", *arguments)
+                self.assertEqual([item["message"] for item in result.json["left_out"] if item["id"] != "tolvexpath:repeatedFolder"],
+                                 [line.removeprefix("tolvexpath: ") for line in found.err.splitlines() if "answers to" not in line])
                 for (_, name), item in zip(left_out, result.json["left_out"]):
                     self.assertIn(os.fsdecode(self.path(name)), item["message"])
                     self.assertIn("  " + item["message"], text.out.decode())

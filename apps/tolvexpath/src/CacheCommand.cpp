@@ -1,9 +1,12 @@
 #include "CacheReport.h"
 #include "Commands.h"
 #include "FolderArguments.h"
+#include "FoldersOnPath.h"
+#include "InputFile.h"
 #include "JsonWriter.h"
 #include "Messages.h"
 #include "Output.h"
+#include "OutputFile.h"
 
 #include "foundation/environment/StorageAccess.h"
 #include "path_utilities/ToolboxCacheFile.h"
@@ -13,9 +16,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <cerrno>
-#include <fstream>
-#include <system_error>
+#include <sstream>
+#include <vector>
 
 namespace TolvexPath {
 
@@ -23,8 +25,9 @@ using PathManagement::PathEntryVector;
 
 namespace {
 
-constexpr const char* help = R"(A path cache file records what the folders below one root hold, so that a program
-can start without listing them. 'find' and 'entry' use one with --cache and --root.
+constexpr const char* help = R"(A path cache file records what the folders below one root hold, so that a
+program can start without listing them. 'find' and 'entry' use one with --cache
+and --root.
 
 Examples:
   tolvexpath cache write toolboxes --path-file toolboxes/path.txt -o toolboxes.cache
@@ -32,8 +35,8 @@ Examples:
   tolvexpath cache show toolboxes.cache --json
   tolvexpath find area --path-file toolboxes/path.txt --cache toolboxes.cache --root toolboxes
 
-Exit status: 0 written, or whole; 1 the file is not whole, or a folder was left out;
-2 wrong use, not saved, or not to be read.)";
+Exit status: 0 written, or whole; 1 the file is not whole, or a folder was left
+out; 2 wrong use, not saved, or not to be read.)";
 
 class CacheCommand final : public ICommand {
 public:
@@ -54,6 +57,16 @@ private:
     std::string file;
     bool asJson = false;
 };
+
+/// All of a file, or of a pipe, which cannot be gone back in; "-" is the standard input. Throws std::system_error.
+std::stringstream ReadWhole(const std::string& fileName) {
+    InputFile input(fileName);
+    std::stringstream text;
+    std::vector<char> piece(1 << 16);
+    while (const std::size_t count = input.Read(piece))
+        text.write(piece.data(), static_cast<std::streamsize>(count));
+    return text;
+}
 
 /// Tells a broken file from one that never was any; leaves the stream at its beginning.
 bool BeginsAsCacheFile(std::istream& stream) {
@@ -81,7 +94,7 @@ void CacheCommand::DeclareArguments(CLI::App& arguments) {
 }
 
 void CacheCommand::DeclareFile(CLI::App& arguments) {
-    arguments.add_option("FILE", file, "The path cache file")->type_name("")->required();
+    arguments.add_option("FILE", file, "The path cache file; '-' is the standard input")->type_name("")->required();
     arguments.add_flag("--json", asJson, "Write one JSON object");
 }
 
@@ -90,6 +103,7 @@ ExitCode CacheCommand::Run() {
 }
 
 ExitCode CacheCommand::Write() const {
+    RequireReplaceable(file);
     // A root that is missing is told before what of the path lies elsewhere than below it.
     static_cast<void>(TolvexStorageSystem::GetStorageSystemReference()->openFolder(MakeLocation(root)));
     const Tolvex::CanonicalAbsoluteIRI cacheRoot(MakeLocation(root), {});
@@ -104,22 +118,23 @@ ExitCode CacheCommand::Write() const {
                                      Tolvex::ToUtf8(entry->GetIRI().getPath()), Tolvex::ToUtf8(cacheRoot.getPath()),
                                      entry->GetIRI() == cacheRoot ? "; name its parent as ROOT" : ""));
     }
+    Tolvex::Notification unreadable; // they are recorded as empty
+    TellUnreadableBelow(entries, unreadable);
+    PrintMessages(unreadable);
     PathManagement::WriteToolboxPathCache(PathManagement::GetPathEntryFactory(), cacheRoot, file);
-    return leftOut == 0 ? ExitCode::success : ExitCode::notFound;
+    return leftOut == 0 && unreadable.IsEmpty() ? ExitCode::success : ExitCode::notFound;
 }
 
 ExitCode CacheCommand::Read() const {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream)
-        throw std::system_error(errno, std::generic_category(), "cannot open '" + file + "'");
+    std::stringstream text = ReadWhole(file);
     Output output;
     const std::unique_ptr<CacheReport> report = CreateCacheReport(output, show->parsed(), asJson);
     std::string message;
-    const bool isOne = BeginsAsCacheFile(stream);
+    const bool isOne = BeginsAsCacheFile(text);
     try {
-        PathManagement::ReadToolboxCache(stream, [&](const auto& record) { report->Add(*record); });
+        PathManagement::ReadToolboxCache(text, [&](const auto& record) { report->Add(*record); });
     } catch (const PathManagement::ToolboxCacheWrongFormatException& refusal) {
-        message = isOne ? refusal.what() : fmt::format("'{}' is not a path cache file: {}", file, refusal.what());
+        message = fmt::format("'{}'{}: {}", file, isOne ? "" : " is not a path cache file", refusal.what());
     }
     report->Finish(message);
     output.Flush();

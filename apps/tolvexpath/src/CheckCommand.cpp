@@ -5,6 +5,7 @@
 #include "FolderArguments.h"
 #include "JsonWriter.h"
 #include "Output.h"
+#include "OutputFile.h"
 #include "PathCheck.h"
 #include "SearchOptions.h"
 #include "Session.h"
@@ -33,17 +34,17 @@ constexpr const char* help = R"(What is looked for, by the kinds that --json giv
   not-cacheable    a name that no path cache file can hold
   watch-limit      no kernel watches left for noticing changes, or nearly none
 
---html writes one page that needs no other file: the path drawn by size, what hides
-what, every problem and every folder, to be searched by name. An old file is replaced
-whole or stays.
+--html writes one page that needs no other file: the path drawn by size, what
+hides what, every problem and every folder, to be searched by name. An old file
+is replaced whole or stays.
 
 Examples:
   tolvexpath check --path-file path.txt
   tolvexpath check --path-file path.txt --html path.html
   tolvexpath check -p geometry -p statistics --json --match exact
 
-Exit status: 0 nothing is wrong; 1 something is; 2 wrong use, or the page could not be
-written.)";
+Exit status: 0 nothing is wrong; 1 something is; 2 wrong use, or the page could
+not be written.)";
 
 class CheckCommand final : public ICommand {
 public:
@@ -122,6 +123,8 @@ void CheckCommand::DeclareArguments(CLI::App& arguments) {
 
 ExitCode CheckCommand::Run() {
     const NameRules rules = search.GetNameRules();
+    if (page)
+        RequireReplaceable(*page);
     const auto locations = folders.GetLocations();
     Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
     const Tolvex::Notification leftOut = cache.SetPath(session, locations);

@@ -3,7 +3,9 @@
 #include "EntryJson.h"
 #include "EntryTree.h"
 #include "FolderArguments.h"
+#include "FoldersOnPath.h"
 #include "JsonWriter.h"
+#include "Messages.h"
 #include "Output.h"
 #include "Terminal.h"
 
@@ -25,10 +27,11 @@ speak for themselves. Other child folders are not looked into.
 Examples:
   tolvexpath entry examples/toolboxes/geometry
   tolvexpath entry --files toolboxes/*
+  tolvexpath entry --path-file path.txt
   tolvexpath entry --json geometry | python3 -m json.tool
 
-Exit status: 0 all folders were shown; 1 one does not exist or cannot be read;
-2 wrong use.)";
+Exit status: 0 all folders were shown; 1 one, or a special folder in it, does not
+exist or cannot be read; 2 wrong use.)";
 
 class EntryCommand final : public ICommand {
 public:
@@ -54,14 +57,14 @@ void EntryCommand::DeclareArguments(CLI::App& arguments) {
         return true;
     };
     constexpr int anyNumber = CLI::detail::expected_max_vector_size;
-    arguments.add_option("FOLDER", takeFolders, "The folders to show")
+    arguments.add_option("FOLDER", takeFolders, "The folders to show, if not those of a path")
         ->type_name("")
-        ->required()
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         // An argument that takes extra values would read a folder "[a,b]" as a list of two. So extra values are refused
-        // and the number is made large; required() alone sees to it that there is one.
+        // and the number is made large.
         ->expected(anyNumber - 1, anyNumber)
         ->allow_extra_args(false);
+    folders.DeclareOptions(arguments);
     CLI::Option* const files = arguments.add_flag("-f,--files", withFiles, "List the files, too");
     arguments.add_flag("--json", asJson, "Write one JSON array with an object for each folder")->excludes(files);
     cache.DeclareOptions(arguments);
@@ -70,7 +73,10 @@ void EntryCommand::DeclareArguments(CLI::App& arguments) {
 
 ExitCode EntryCommand::Run() {
     PathEntryVector entries = cache.CreateEntries(folders.GetLocations());
-    const bool isComplete = std::erase(entries, nullptr) == 0;
+    Tolvex::Notification unreadable;
+    TellUnreadableBelow(entries, unreadable);
+    PrintMessages(unreadable);
+    const bool isComplete = std::erase(entries, nullptr) == 0 && unreadable.IsEmpty();
     Output output;
     if (asJson)
         WriteJson(output, entries);

@@ -17,6 +17,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <unordered_set>
+
 namespace TolvexPath {
 
 using PathManagement::FoundItem;
@@ -26,26 +28,28 @@ using PathManagement::PathEntryVector;
 namespace {
 
 constexpr const char* help = R"(NAME is the name of a file without its extension. It may have folder names in
-front, as in 'geometry/area' or '+shapes/@Polygon/area': these have to be the last
-names of the file's folder. A plain name is looked for in main folders only, a name
-with folders in every kind of folder, unless --scope says otherwise. Functions of
-packages and methods are named so, too: shapes.square is +shapes/square here.
+front, as in 'geometry/area' or '+shapes/@Polygon/area': these have to be the
+last names of the file's folder. A plain name is looked for in main folders
+only, a name with folders in every kind of folder, unless --scope says
+otherwise. Functions of packages and methods are named so, too: shapes.square
+is +shapes/square here.
 
-Without --all the first file in path order is given. In one folder the extension
-that stands first in --ext wins.
+Without --all the first file in path order is given. In one folder the
+extension that stands first in --ext wins.
 
 --queries reads one JSON object a line and writes one JSON array a line:
   {"name":"area","extensions":[".kx"],"policy":1,"scope":[0,1],"all":true}
-policy: 0 exact, 1 ignore case, 2 native; scope: 0 main, 1 package, 2 method,
-3 private, 4 udd, 5 resources. All but the name may be left out and is then what
+policy: 0 exact, 1 ignore case, 2 native; scope: 0 main, 1 package, 2 method, 3
+private, 4 udd, 5 resources. All but the name may be left out and is then what
 the other options say. Blank lines are passed over. Answers come as soon as no
-further question waits. It ends at the first line that is no question, which the
-message names; the rest is not answered.
+further question waits. It ends at the first line that is no question, which
+the message names; the rest is not answered.
 
---explain lists every file on the path that bears the name, but for case, extension
-and kind of folder, in the order in which a search meets it, with its folder's place
-as 'path' numbers it and why it wins or loses. Where nothing answers it also looks into the
-ordinary folders below the path, at most 10,000 of them.
+--explain lists every file on the path that bears the name, but for case,
+extension and kind of folder, in the order in which a search meets it, with its
+folder's place as 'path' numbers it and why it wins or loses. Where nothing
+answers it also looks into the ordinary folders below the path, at most 10,000
+of them.
 
 Examples:
   tolvexpath find area -p geometry -p statistics
@@ -55,10 +59,10 @@ Examples:
   tolvexpath find --queries - -p geometry <questions.jsonl
   tolvexpath find mean --ext .txt -0 -p statistics | xargs -0 head
 
-Exit status: 0 found; 1 not found; 2 wrong use. With --queries: 0 every question
-was answered, 2 one was not. A folder that cannot be read is reported and left out,
-one that may not stand on a path is reported and looked into; neither has a bearing
-on the exit status.)";
+Exit status: 0 found; 1 not found; 2 wrong use. With --queries: 0 every
+question was answered, 2 one was not. A folder that cannot be read is reported
+and left out, one that may not stand on a path is reported and looked into;
+neither has a bearing on the exit status.)";
 
 class FindCommand final : public ICommand {
 public:
@@ -82,6 +86,12 @@ private:
     bool endWithZero = false;
     bool explain = false;
 };
+
+/// As a path does: of two names of one folder the first counts.
+void RemoveRepeats(PathEntryVector& entries) {
+    std::unordered_set<Tolvex::AbsoluteIRI, Tolvex::IRIHash> known;
+    std::erase_if(entries, [&known](const auto& entry) { return !known.insert(entry->GetIRI()).second; });
+}
 
 void FindCommand::DeclareArguments(CLI::App& arguments) {
     CLI::Option* const nameOption = arguments.add_option("NAME", name, "What to look for")->type_name("");
@@ -127,6 +137,8 @@ Finder FindCommand::MakeFinder() const {
     TellWrongKinds(*entries, wrongKinds);
     PrintMessages(wrongKinds);
     std::erase(*entries, nullptr);
+    if (!explain) // which says so of files that are met again
+        RemoveRepeats(*entries);
     return {PathManagement::GetCurrentPathFactory().CreatePath(std::move(entries), nullptr), std::move(defaults)};
 }
 

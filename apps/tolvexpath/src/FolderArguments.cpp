@@ -111,8 +111,11 @@ void AppendListedLocations(std::vector<AbsoluteIRI>& locations, const std::strin
             line->remove_suffix(1);
         if (!IsFolderLine(*line))
             continue;
+        const std::string place = fmt::format("{}, line {}: ", lines.GetDisplayName(), lines.GetLineNumber());
+        if (line->find('\0') != line->npos)
+            throw UsageError(place + "a zero byte is in no folder's name; a list is text in UTF-8");
         locations.push_back(MakeLocationBelow(*line, base));
-        TellHint(*line, locations.back(), fmt::format("{}, line {}: ", lines.GetDisplayName(), lines.GetLineNumber()));
+        TellHint(*line, locations.back(), place);
     }
 }
 
@@ -176,11 +179,12 @@ std::vector<AbsoluteIRI> FolderArguments::GetLocations() const {
     }
     if (sources.empty())
         AppendDefaultLocations(locations);
-    if (locations.empty())
-        throw UsageError(sources.empty()
-                             ? fmt::format("no folder is named; give -p or --path-file, or set {}", pathVariable)
-                             : "no folder is named");
-    return locations;
+    if (!locations.empty())
+        return locations;
+    if (sources.empty())
+        throw UsageError(fmt::format("no folder is named; give -p or --path-file, or set {}", pathVariable));
+    throw UsageError(fmt::format("no folder is named in {}", ReadsStandardInput() ? "the list on the standard input"
+                                                                                  : "'" + sources.front().text + "'"));
 }
 
 PathEntryVector CreateEntries(const std::vector<AbsoluteIRI>& locations) {

@@ -46,6 +46,27 @@ void TellWrongKinds(const PathManagement::PathEntryVector& entries, Tolvex::Noti
                           {PathManagement::GetStringFromIRI(entry->GetIRI())}});
 }
 
+void TellUnreadableBelow(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems) {
+    const Tolvex::StorageSystemReference storage = TolvexStorageSystem::GetStorageSystemReference();
+    Tolvex::FolderListing listing;
+    const auto tell = [&](const IPathEntry& folder) {
+        try {
+            storage->openFolder(folder.GetIRI())->list(listing);
+        } catch (const Tolvex::StorageError& error) {
+            problems.Add(error.GetMessageIdentifier());
+        }
+    };
+    for (const auto& entry : entries) {
+        if (entry == nullptr)
+            continue;
+        entry->ForEachEntry(PathManagement::SearchScope::All(), [&](const auto& below) {
+            if (below.get() != entry.get() && below->GetPathItems()->empty())
+                tell(*below);
+            return false;
+        });
+    }
+}
+
 std::vector<RepeatedFolder> FindRepeatedFolders(std::span<const Tolvex::AbsoluteIRI> locations) {
     const Tolvex::StorageSystemReference storage = TolvexStorageSystem::GetStorageSystemReference();
     std::unordered_map<Tolvex::AbsoluteIRI, const Tolvex::AbsoluteIRI*, Tolvex::IRIHash> first;

@@ -24,6 +24,10 @@ struct FolderOnPath {
 /// entries are passed over.
 void TellWrongKinds(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems);
 
+/// Adds what keeps special folders of these from being read: such a folder has an entry without contents. Null entries
+/// are passed over.
+void TellUnreadableBelow(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems);
+
 /// A folder that is named again, by the same name or through a link.
 struct RepeatedFolder {
     Tolvex::AbsoluteIRI location;

@@ -21,7 +21,9 @@ std::optional<std::string_view> LineReader::Next() {
         ReadMore();
     if (lineStart == buffer.size())
         return std::nullopt;
-    const std::string_view line(buffer.data() + lineStart, searched - lineStart);
+    std::string_view line(buffer.data() + lineStart, searched - lineStart);
+    if (constexpr std::string_view mark = "\xEF\xBB\xBF"; lineNumber == 0 && line.starts_with(mark))
+        line.remove_prefix(mark.size());
     lineStart = searched = std::min(searched + 1, buffer.size());
     ++lineNumber;
     return line;

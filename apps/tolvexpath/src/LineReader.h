@@ -8,7 +8,8 @@
 
 namespace TolvexPath {
 
-/// Cuts an input into lines at line feeds. The last line may lack its line feed.
+/// Cuts an input into lines at line feeds. The last line may lack its line feed; the mark that some editors put in
+/// front of UTF-8 belongs to no line.
 class LineReader {
 public:
     explicit LineReader(InputFile input);

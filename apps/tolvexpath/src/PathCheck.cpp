@@ -87,12 +87,14 @@ private:
         check.problems.push_back({kind, std::move(subject), std::move(message)});
     }
 
-    void TellLeftOut() {
-        EachOnce(leftOut).ForEach([this](const Tolvex::Notification::Entry& entry) {
+    void AddProblems(const Tolvex::Notification& messages) {
+        EachOnce(messages).ForEach([this](const Tolvex::Notification::Entry& entry) {
             check.problems.push_back(MakeProblem(entry.message));
             return false;
         });
     }
+
+    void TellLeftOut() { AddProblems(leftOut); }
 
     void TellRepeated() {
         for (const auto& [location, first, folder] : FindRepeatedFolders(locations)) {
@@ -107,17 +109,9 @@ private:
 
     /// A special folder that cannot be read has an entry without contents. (A main folder has none and was left out.)
     void TellUnreadable() {
-        check.path->ForEachEntry(PathManagement::SearchScope::All(), [this](const auto& entry) {
-            if (entry->GetPathEntryType() == PathEntryType::mainFolder || !entry->GetPathItems()->empty())
-                return false;
-            try {
-                Tolvex::FolderListing listing;
-                storage->openFolder(entry->GetIRI())->list(listing);
-            } catch (const Tolvex::StorageError& error) {
-                check.problems.push_back(MakeProblem(error.GetMessageIdentifier()));
-            }
-            return false;
-        });
+        Tolvex::Notification unreadable;
+        TellUnreadableBelow(*check.path->GetMainEntries(), unreadable);
+        AddProblems(unreadable);
     }
 
     void TellNames() {

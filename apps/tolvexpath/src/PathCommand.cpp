@@ -21,13 +21,13 @@ namespace TolvexPath {
 
 namespace {
 
-constexpr const char* help = R"(The path as an environment would have it: missing folders, and such as may not stand
-on a path by themselves, are left out, and of two names of one folder the first
-counts. Files are counted with those of the special folders below. 'watched' is how
-changes are to be noticed: where the kernel gives no notification, as on network
-drives, a time check stands in. So it does below the installation folder
-(TOLVEX_ROOT): its folders are many and change with a new version at most, so that
-no kernel watches are spent on them.
+constexpr const char* help = R"(The path as an environment would have it: missing folders, and such as may not
+stand on a path by themselves, are left out, and of two names of one folder the
+first counts. Files are counted with those of the special folders below.
+'watched' is how changes are to be noticed: where the kernel gives no
+notification, as on network drives, a time check stands in. So it does below
+the installation folder (TOLVEX_ROOT): its folders are many and change with a
+new version at most, so that no kernel watches are spent on them.
 
 Examples:
   tolvexpath path -p geometry -p statistics
@@ -35,7 +35,8 @@ Examples:
   TOLVEXPATH=geometry:statistics tolvexpath path
   tolvexpath path --path-file path.txt --cache toolboxes.cache --root toolboxes
 
-Exit status: 0 every folder is on the path; 1 something was left out; 2 wrong use.)";
+Exit status: 0 every folder is on the path; 1 something was left out; 2 wrong
+use.)";
 
 class PathCommand final : public ICommand {
 public:

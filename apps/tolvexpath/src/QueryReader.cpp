@@ -92,8 +92,12 @@ Enumeration ReadEnumeration(const json::value& value, std::uint32_t count, const
 
 std::vector<Tolvex::ustring> ReadExtensions(const json::value& value) {
     std::vector<Tolvex::ustring> extensions;
-    for (const json::value& extension : ReadArray(value, "\"extensions\""))
+    for (const json::value& extension : ReadArray(value, "\"extensions\"")) {
         extensions.push_back(ReadText(extension, "an extension"));
+        if (!extensions.back().empty() && extensions.back().front() != u'.') // would fit no file
+            throw UsageError(
+                fmt::format("the extension \"{0}\" has no dot; write \".{0}\"", Tolvex::ToUtf8(extensions.back())));
+    }
     return extensions;
 }
 

@@ -31,15 +31,17 @@ constexpr std::array<Named<FilenameMatchingPolicy>, 3> policies = {{
     {"native", FilenameMatchingPolicy::native},
 }};
 
+/// `alsoKnown`: words, each with ", " behind it, that somebody else has tried before.
 template <typename Value, std::size_t count>
-Value Choose(const std::array<Named<Value>, count>& choices, std::string_view name, std::string_view option) {
+Value Choose(const std::array<Named<Value>, count>& choices, std::string_view name, std::string_view option,
+             std::string_view alsoKnown = "") {
     const auto chosen = std::find_if(choices.begin(), choices.end(), [name](const auto& c) { return c.first == name; });
     if (chosen != choices.end())
         return chosen->second;
     std::string known;
     for (const auto& choice : choices)
         known += fmt::format("{}{}", known.empty() ? "" : ", ", choice.first);
-    throw UsageError(fmt::format("{}: '{}' is none of {}", option, name, known));
+    throw UsageError(fmt::format("{}: '{}' is none of {}{}", option, name, alsoKnown, known));
 }
 
 std::vector<std::string_view> SplitAtCommas(std::string_view text) {
@@ -68,7 +70,7 @@ SearchScope ReadScope(std::string_view text) {
         return SearchScope::All();
     SearchScope scope;
     for (const std::string_view part : SplitAtCommas(text))
-        scope.Add(Choose(kindNames, part, "--scope"));
+        scope.Add(Choose(kindNames, part, "--scope", text == part ? "all, " : ""));
     return scope;
 }
 

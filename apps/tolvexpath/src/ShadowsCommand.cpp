@@ -23,22 +23,23 @@ using PathManagement::FoundItem;
 
 namespace {
 
-constexpr const char* help = R"(A name that more than one file answers to is listed with the file that wins and those
-that it hides. Plain names are looked for in main folders. A function of a package and
-a method of a class go by their full names, as 'shapes.square' and 'Polygon.area': all
-folders of one package, or of one class, count together, and the first on the path
-wins. Files of private folders are seen from one folder only and hide nothing.
+constexpr const char* help = R"(A name that more than one file answers to is listed with the file that wins and
+those that it hides. Plain names are looked for in main folders. A function of
+a package and a method of a class go by their full names, as 'shapes.square'
+and 'Polygon.area': all folders of one package, or of one class, count
+together, and the first on the path wins. Files of private folders are seen
+from one folder only and hide nothing.
 
-A source file and its prepared form or native module in one folder are forms of one
-thing and no conflict, unless --forms is given.
+A source file and its prepared form or native module in one folder are forms of
+one thing and no conflict, unless --forms is given.
 
 Examples:
   tolvexpath shadows -p geometry -p statistics
   tolvexpath shadows --path-file path.txt --scope main --match ignore-case
   tolvexpath shadows --path-file path.txt --json
 
-Exit status: 0 no file is hidden; 1 one is; 2 wrong use. A folder that is left out is
-reported and has no bearing on the exit status.)";
+Exit status: 0 no file is hidden; 1 one is; 2 wrong use. A folder that is left
+out is reported and has no bearing on the exit status.)";
 
 class ShadowsCommand final : public ICommand {
 public:

@@ -99,8 +99,13 @@ class CacheCommandTest(FolderTest):
         shown = self.run_here("cache", "show", "broken", "--json")
         self.assertEqual((NOT_FOUND, False, ["lib"]),
                          (shown.code, shown.json["ok"], [folder["name"] for folder in shown.json["folders"]]))
-        self.assertEqual(NOT_FOUND, self.run_here("cache", "check", "broken").code)
-        self.assertEqual(FAILURE, self.run_here("cache", "check", "missing").code)
+        broken = self.run_here("cache", "check", "broken")
+        self.assertEqual((NOT_FOUND, True), (broken.code, broken.err.startswith("tolvexpath: 'broken': The path cache file ")))
+        for arguments, options in ((["-"], {"stdin": whole}), (["/dev/stdin"], {"stdin": whole})):  # which cannot be gone back in
+            self.assertEqual(FOUND, self.run_here("cache", "check", *arguments, **options).code)
+        for name, reason in (("missing", "No such file or directory"), ("lib", "Is a directory")):
+            refused = self.run_here("cache", "check", name, "--json")
+            self.assertEqual((FAILURE, b"", f"tolvexpath: cannot read '{name}': {reason}\n"), (refused.code, refused.out, refused.err))
 
     def test_a_file_that_never_was_one_is_called_so(self):
         for text in (b"", b"foreign", b" \n", b"<Other>", b"\x7fELF"):

@@ -50,6 +50,15 @@ class EntryCommandTest(FolderTest):
         self.assertEqual(["a", "z"], [node["name"] for node in result.json])
         self.assertEqual([], self.run_here("entry", "--json", "missing").json)
 
+    def test_special_folders_that_cannot_be_read_are_told(self):
+        self.make("box/f.kx", "box/private/x.kx", "box/+p/")
+        os.chmod(self.root, 0o755)
+        os.chmod(self.path("box/private"), 0)
+        entry = self.run_as_nobody("entry", "box")
+        self.assertEqual((NOT_FOUND, 1, 3), (entry.code, entry.err.count("/box/private' may not be read"), len(entry.lines)))
+        written = self.run_as_nobody("cache", "write", ".", "-p", "box", "-o", "/dev/shm/none/cache")
+        self.assertEqual((FAILURE, 1), (written.code, written.err.count("/box/private' may not be read")))
+
     def test_folders_are_taken_as_spelled(self):
         # Arguments that a parser of command lines may take for its own, and a ".." that only the disk can resolve.
         odd = ["[a,b]", "{}", "%%", "entry", "find", "a=b", "\udcff", " ", "--", "-p"]
@@ -67,7 +76,7 @@ class EntryCommandTest(FolderTest):
 
     def test_output_that_fails_is_a_failure(self):
         with open("/dev/full", "wb") as full:
-            for arguments in (["entry", "/"], ["find", "x", "-p", "/", "--json"]):
+            for arguments in (["entry", "/"], ["find", "x", "-p", "/", "--json"], ["--help"], ["help", "find"], ["--version"], ["--man"]):
                 self.assertEqual(FAILURE, os.waitstatus_to_exitcode(os.waitpid(os.posix_spawn(
                     PROGRAM, ["tolvexpath", *arguments], os.environ,
                     file_actions=[(os.POSIX_SPAWN_DUP2, full.fileno(), 1), (os.POSIX_SPAWN_OPEN, 2, "/dev/null", 1, 0)]),

@@ -8,7 +8,7 @@ import unittest
 from program import FAILURE, FOUND, NOT_FOUND, FolderTest
 
 SEED = int(os.environ.get("TOLVEXPATH_SEED", random.randrange(10**6)))
-ANSWERS = {"winner", "hidden", "less-wanted-extension", "later-in-folder", "repeated-folder"}
+ANSWERS = {"winner", "hidden", "less-wanted-extension", "later-in-folder"}
 KINDS = {"private": "private", "resources": "resources"}
 
 

@@ -35,7 +35,9 @@ class FindCommandTest(FolderTest):
         self.make(*(f"{name}/f.kx" for name in folders))
         with open(self.path("list"), "wb") as lines:
             lines.write(b"\nd\n\n" + self.path("b"))
-        result = self.run_here("find", "--all", "f", "-p", "e", "--path-file", "list", "-pc", "--path-file", "-", stdin=b"a\n")
+        os.symlink("d", self.path("link"))  # the first name of a folder counts
+        result = self.run_here("find", "--all", "f", "-p", "e", "--path-file", "list", "-pc", "-plink", "-p./e", "--path-file", "-",
+                               stdin=b"a\n")
         self.assert_files(result, "e/f.kx", "d/f.kx", "b/f.kx", "c/f.kx", "a/f.kx")
 
     def test_a_missing_folder_is_told_and_passed_over(self):
@@ -86,6 +88,7 @@ class FindCommandTest(FolderTest):
             result = self.run_here("find", *arguments)
             self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
             self.assertRegex(result.err, "^tolvexpath: ")
+        self.assertIn("'gone' is none of all, main, package", self.run_here("find", "f", *here, "--scope", "gone").err)
 
     def test_names_of_commands_and_options_can_be_found(self):
         self.make("a/find.kx", "a/entry.kx", "a/-p.kx", "a/[x,y].kx", "a/{}.kx")

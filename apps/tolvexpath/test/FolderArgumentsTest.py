@@ -27,6 +27,7 @@ class FolderArgumentsTest(FolderTest):
             ("comments and blank lines", "# one\n\n  # two\n \t\r\na\n\t#\n./#c\n./ b\n", ["lists/a", "lists/#c", "lists/ b"]),
             ("blanks belong to a name", " b\n", ["lists/ b"]),
             ("lines may end in two characters", "a\r\n# \r\n\r\n../c\r\n b\r", ["lists/a", "c", "lists/ b"]),
+            ("an editor's mark of UTF-8", b"\xef\xbb\xbfa\n../b\n", ["lists/a", "b"]),
             ("a mark inside a name is none", "../lists/#c\n", ["lists/#c"]),
         ]
         for title, text, folders in cases:
@@ -69,8 +70,9 @@ class FolderArgumentsTest(FolderTest):
             with self.subTest(value, arguments=arguments):
                 result = self.find(*arguments, env=environment(TOLVEXPATH=os.fsdecode(value)))
                 self.assert_files(result, *(f"{folder}/f.kx" for folder in folders))
-        shown = self.run_here("entry", "a", "--json", env=environment(TOLVEXPATH="c")).json
-        self.assertEqual([os.fsdecode(self.path("a"))], [entry["path"] for entry in shown])
+        for value, arguments, folders in (("c", ["a"], ["a"]), ("c:b", [], ["c", "b"]), ("c", ["--path-file", "list"], ["b"])):
+            shown = self.run_here("entry", *arguments, "--json", env=environment(TOLVEXPATH=value)).json
+            self.assertEqual([os.fsdecode(self.path(folder)) for folder in folders], [entry["path"] for entry in shown])
 
     def test_no_folder_at_all(self):
         self.write("empty", "# nothing\n\n")
@@ -79,6 +81,11 @@ class FolderArgumentsTest(FolderTest):
             result = self.find(*arguments, env=environment(TOLVEXPATH=value))
             self.assertEqual((FAILURE, b""), (result.code, result.out))
             self.assertIn(hint, result.err)
+        self.assertEqual("tolvexpath: no folder is named in 'empty'\n", self.find("--path-file", "empty").err)
+        self.assertEqual("tolvexpath: no folder is named in the list on the standard input\n", self.find("--path-file", "-").err)
+        self.write("zero", b"a\nb\0c\n")
+        zero = self.find("--path-file", "zero")
+        self.assertEqual((FAILURE, True), (zero.code, zero.err.startswith("tolvexpath: 'zero', line 2: a zero byte ")))
         self.assertIn(b"TOLVEXPATH", self.run_here("find", "--help").out)
 
 

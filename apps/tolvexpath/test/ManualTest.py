@@ -37,18 +37,29 @@ class ManualTest(FolderTest):
 
     def test_help_as_a_command(self):
         for command in ([], *COMMANDS):
-            self.assertEqual(run(*command, "--help").out, run("help", *command).out, command)
+            text = run(*command, "--help").out
+            self.assertEqual(text, run("help", *command).out, command)
+            self.assertEqual([], [line for line in text.decode().splitlines() if line.startswith("  -") and len(line) > 79], command)
+        self.assertEqual(run("--help").out, run("help", "help").out)
+        self.assertEqual(run("--version").out, run("-V").out)
         self.assertEqual(FAILURE, run("help", "frob").code)
 
     def test_wrong_use_is_named_where_it_is(self):
         for arguments, problem, page in (
+            ([], "a command is missing: entry, find, path, shadows, check, cache, package, watch, shell", ""),
+            (["cache"], "a command is missing: write, check, show", "cache "),
             (["frob"], "'frob' is no command of this program", ""),
+            (["fnid"], "'fnid' is no command of this program; did you mean 'find'?", ""),
+            (["cache", "wirte"], "'wirte' is no command of cache; did you mean 'write'?", "cache "),
+            (["path", "--path-fiel=x"], "'--path-fiel=x' is no option of path; did you mean '--path-file'?", "path "),
+            (["find", "-n", "-p", "a"], "'-n' is no option of find; names that begin with '-' go behind '--', at the end", "find "),
+            (["find", "--", "-n", "-p"], "'-p' is too much: one NAME at a time; every folder needs its own -p", "find "),
             (["help", "frob"], "'frob' is no command of this program", ""),
-            (["--hlep"], "'--hlep' is no option of this program", ""),
+            (["--hlep"], "'--hlep' is no option of this program; did you mean '--help'?", ""),
             (["cache", "frob"], "'frob' is no command of cache", "cache "),
             (["cache", "check"], "FILE is required", "cache check "),
             (["cache", "check", "a", "b"], "'b' is too much", "cache check "),
-            (["find", "f", "--hlep"], "'--hlep' is no option of find", "find "),
+            (["find", "f", "--hlep"], "'--hlep' is no option of find; did you mean '--help'?", "find "),
             (["find", "f", "-p", "a", "b"], "'b' is too much: one NAME at a time; every folder needs its own -p", "find "),
             (["path", "a"], "'a' is too much; every folder needs its own -p", "path "),
         ):

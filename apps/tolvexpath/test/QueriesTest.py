@@ -40,7 +40,7 @@ class QueriesTest(FolderTest):
 
     def test_a_bad_line_ends_it_and_is_told_by_its_number(self):
         for line in ("", "f", "{", "[]", "{}", '{"name":1}', '{"name":"f","policy":3}', '{"name":"f","policy":-1}',
-                     '{"name":"f","scope":[6]}', '{"name":"f","scope":0}', '{"name":"f","extensions":".kx"}', r'{"name":"\ud800"}',
+                     '{"name":"f","scope":[6]}', '{"name":"f","scope":0}', '{"name":"f","extensions":".kx"}', r'{"name":"\ud800"}', '{"name":"f","extensions":["kx"]}',
                      '{"name":"f","all":1}', '{"name":"f","al":true}', '{"name":"f"} {', '{"name":"f\\', r'{"name":"\ud83d', "\xff"):
             good = b'{"name":"f"}\n \n\r\n{"name":"f"}\n'
             result = self.run_here("find", "--queries", "-", "-p", "a", stdin=good + line.encode("latin-1") + b"\n" + good)

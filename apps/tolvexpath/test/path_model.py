@@ -121,6 +121,7 @@ def describe(owner, name):
 
 class Path:
     def __init__(self, mains):
+        mains = {main.path: main for main in mains}.values()  # of two names of one folder the first counts
         self.entries = [entry for main in mains for entry in main.walk()]
         # What any policy calls equal is equal when folded, so this leaves nothing out. Path order within one name.
         self.by_name = {}

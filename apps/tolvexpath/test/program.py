@@ -166,3 +166,16 @@ class FolderTest(unittest.TestCase):
     def assert_files(self, result, *names):
         self.assertEqual([self.path(name) for name in names], result.lines, result.err)
         self.assertEqual(FOUND if names else NOT_FOUND, result.code)
+
+    def run_as_nobody(self, *arguments, limit=None):
+        """Runs the program in a user namespace, as somebody who may not do everything, and with few watches."""
+        who = ["--map-root-user"] if limit else []
+        script = f"echo {limit} >/proc/sys/user/max_inotify_watches && exec \"$@\"" if limit else 'exec "$@"'
+        done = subprocess.run(["unshare", "--user", *who, "sh", "-c", script, "sh", PROGRAM, *arguments], cwd=self.root,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False, env=environment(TOLVEX_ROOT="/nowhere"))
+        if b"unshare" in done.stderr or b"sh:" in done.stderr:
+            self.skipTest("no user namespaces here")
+        result = Result(done)
+        if not result.out and not result.err:
+            self.skipTest("the program cannot be run by others here")
+        return result

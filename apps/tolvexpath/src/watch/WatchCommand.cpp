@@ -13,6 +13,7 @@
 #include "search_path/Accessors.h"
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include <system_error>
 
@@ -23,21 +24,21 @@ using PathManagement::PathChangeEvent;
 
 namespace {
 
-constexpr const char* help = R"help(Stays, and tells of each change as it happens: the folders that hold other files
-now, then the names that came (+), went (-) or are answered by another file (~).
-What a file holds does not matter. A file that is hidden by another one changes no
-name, then only its folder is told, as "(no name changed)".
+constexpr const char* help = R"help(Stays, and tells of each change as it happens: the folders that hold other
+files now, then the names that came (+), went (-) or are answered by another
+file (~). What a file holds does not matter. A file that is hidden by another
+one changes no name, then only its folder is told, as "(no name changed)".
 
-Changes that come close together are told together: after --quiet milliseconds in
-which nothing happened, but at most 20 times as long. Folders of which the system
-does not tell (far disks, or no kernel watch left) are looked at every --interval
-seconds.
+Changes that come close together are told together: after --quiet milliseconds
+in which nothing happened, but at most 20 times as long. Folders of which the
+system does not tell (far disks, or no kernel watch left) are looked at every
+--interval seconds.
 
---json writes one object a line, at first {"event":"ready"}: what changes from then
-on is told, as
+--json writes one object a line, at first {"event":"ready"}: what changes from
+then on is told, as
   {"event":"change","folders":[...],"added":[...],"removed":[...],"changed":[...]}
-with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left out
-of added names, 'after' of removed ones.
+with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left
+out of added names, 'after' of removed ones.
 
 Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 
@@ -46,6 +47,16 @@ Examples:
   tolvexpath watch --path-file path.txt --json | while read -r change; do make; done
 
 Exit status: 0 ended as above; 1 no folder could be read; 2 wrong use.)help";
+
+/// Whether a value is a number from `least` to `most`; without a name, which the help would show.
+CLI::Validator MakeRange(double least, double most) {
+    const auto refuse = [least, most](const std::string& text) {
+        double number = 0;
+        const bool isWithin = CLI::detail::lexical_cast(text, number) && number >= least && number <= most;
+        return isWithin ? std::string() : fmt::format("'{}' is no number from {} to {}", text, least, most);
+    };
+    return {refuse, ""};
+}
 
 Finder MakeFinder(std::shared_ptr<const IPath> path) {
     const auto usual = Tolvex::GetCodeFileExtensions();
@@ -101,10 +112,10 @@ void WatchCommand::DeclareArguments(CLI::App& arguments) {
     arguments.add_flag("--json", asJson, "Write one JSON object a line");
     arguments.add_option("--quiet", quiet, "Wait until nothing has happened for so many milliseconds [50]")
         ->type_name("MS")
-        ->check(CLI::Range(1u, 60'000u));
+        ->check(MakeRange(1, 60'000));
     arguments.add_option("--interval", interval, "Seconds between looks at folders that nothing tells of [1]")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.01, 86'400.0));
+        ->check(MakeRange(0.01, 86'400));
     arguments.footer(help);
 }
 

@@ -17,7 +17,7 @@ namespace TolvexPath {
 
 using PathManagement::PathEntryVector;
 
-void CacheArguments::DeclareOptions(CLI::App& arguments) {
+void CacheArguments::DeclareOptions(CLI::App& arguments, bool isTrustOffered) {
     CLI::Option* const cache =
         arguments.add_option("--cache", file, "Take folders from a path cache file instead of listing them")
             ->type_name("FILE");
@@ -26,6 +26,8 @@ void CacheArguments::DeclareOptions(CLI::App& arguments) {
             ->type_name("FOLDER")
             ->needs(cache);
     cache->needs(cacheRoot);
+    if (!isTrustOffered)
+        return;
     arguments
         .add_flag("--trust-cache", isTrusted, "Do not look whether folders changed since the cache file was written")
         ->needs(cache);

@@ -18,8 +18,9 @@ class Session;
 /// The path cache file that a command line names, for commands that can do without listing folders.
 class CacheArguments {
 public:
-    /// Declares --cache, --root and --trust-cache, which fill this object; it has to stay where it is.
-    void DeclareOptions(CLI::App& arguments);
+    /// Declares --cache, --root and, where the command need not look at the folders anyway, --trust-cache, which fill
+    /// this object; it has to stay where it is.
+    void DeclareOptions(CLI::App& arguments, bool isTrustOffered = true);
 
     /// Loads the file, if one is named, into the process's factory. One that cannot be used is reported once, and the
     /// folders are read instead. True when a file was loaded.

@@ -26,14 +26,14 @@ using PathManagement::PathEntryVector;
 namespace {
 
 constexpr const char* help = R"(A path cache file records what the folders below one root hold, so that a
-program can start without listing them. 'find' and 'entry' use one with --cache
-and --root.
+program can start without listing them. Commands that look at folders take one
+with --cache and --root.
 
 Examples:
-  tolvexpath cache write toolboxes --path-file toolboxes/path.txt -o toolboxes.cache
+  tolvexpath cache write toolboxes --path-file path.txt -o toolboxes.cache
   tolvexpath cache check toolboxes.cache
   tolvexpath cache show toolboxes.cache --json
-  tolvexpath find area --path-file toolboxes/path.txt --cache toolboxes.cache --root toolboxes
+  tolvexpath path --path-file path.txt --cache toolboxes.cache --root toolboxes
 
 Exit status: 0 written, or whole; 1 the file is not whole, or a folder was left
 out; 2 wrong use, not saved, or not to be read.)";

@@ -26,10 +26,10 @@ namespace {
 constexpr const char* help = R"(What is looked for, by the kinds that --json gives:
   missing          a folder that does not exist
   unreadable       a folder that may not be read
-  wrong-kind       a package, class, private or resources folder named by itself
+  wrong-kind       a package, class, private or resources folder by itself
   left-out         a folder left out for another reason
   repeated-folder  a folder that is named twice, maybe under a link
-  shadowed-name    a name that more than one file answers to, as 'shadows' lists them
+  shadowed-name    a name that more than one file answers to; see 'shadows'
   case-clash       names that differ only in case
   not-cacheable    a name that no path cache file can hold
   watch-limit      no kernel watches left for noticing changes, or nearly none

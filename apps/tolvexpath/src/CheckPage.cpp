@@ -25,13 +25,15 @@ namespace {
 constexpr double width = 1000;
 constexpr double arcHeight = 110;
 constexpr double barHeight = 50;
-constexpr std::size_t mostArcs = 300; // more are a blot
-constexpr std::size_t mostNames = 20; // below the bar; more have no room
+constexpr std::size_t mostArcs = 300;     // more are a blot
+constexpr std::size_t mostNames = 20;     // below the bar; more have no room
+constexpr double leastNamed = 60;         // shorter pieces have room for their number only
+constexpr std::size_t mostShownOpen = 30; // longer lists of problems are opened by whoever wants to see them
 
-/// Text between tags or in quotes; control characters have been shown as escapes.
-std::string Html(Tolvex::ustring_view text) {
+/// UTF-8 between tags or in quotes.
+std::string Escape(std::string_view shown) {
     std::string html;
-    for (const char c : ToDisplayText(text)) {
+    for (const char c : shown) {
         constexpr std::string_view special = "&<>\"'";
         constexpr std::string_view escapes[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&#39;"};
         const std::size_t which = special.find(c);
@@ -43,19 +45,33 @@ std::string Html(Tolvex::ustring_view text) {
     return html;
 }
 
-std::string Html(std::string_view utf8) {
-    return Html(Tolvex::FromUtf8(utf8));
+/// Control characters are shown as escapes.
+std::string Html(Tolvex::ustring_view text) {
+    return Escape(ToDisplayText(text));
 }
 
 /// The same for running text, which may be broken behind a "/".
-std::string RunningHtml(Tolvex::ustring_view text) {
+std::string RunningHtml(std::string_view shown) {
     std::string html;
-    for (const char c : Html(text)) {
+    for (const char c : Escape(shown)) {
         html += c;
         if (c == '/')
             html += "<wbr>";
     }
     return html;
+}
+
+/// The folder that all of these lie in, as it is shown; empty when it is the root, or when there are not several.
+std::string FindSharedFolder(const std::vector<FolderOnPath>& folders) {
+    if (folders.size() < 2)
+        return {};
+    Tolvex::ustring shared(folders.front().entry->GetIRI().getPath());
+    for (const FolderOnPath& folder : folders) {
+        const Tolvex::ustring_view other = folder.entry->GetIRI().getPath();
+        shared.resize(static_cast<std::size_t>(std::ranges::mismatch(shared, other).in1 - shared.begin()));
+    }
+    shared.resize(std::min(shared.rfind(u'/'), shared.size()));
+    return ToDisplayText(shared);
 }
 
 std::string Count(std::size_t count, std::string_view thing) {
@@ -70,7 +86,8 @@ struct Piece {
 
 class Page {
 public:
-    explicit Page(const PathCheck& check) : check(check), effects(check.folders.size()) {
+    explicit Page(const PathCheck& check)
+        : check(check), sharedFolder(FindSharedFolder(check.folders)), effects(check.folders.size()) {
         for (std::size_t i = 0; i < check.folders.size(); ++i)
             numbers.emplace(check.folders[i].entry.get(), i);
         for (const NameConflict& conflict : check.conflicts)
@@ -100,11 +117,30 @@ private:
     [[nodiscard]] std::string FillIn(std::string_view hole) const {
         if (hole == "summary")
             return SummariseCheck(check);
+        if (hole == "shared")
+            return DescribeSharedFolder();
         if (hole == "bar")
             return DrawBar();
         if (hole == "problems")
             return ListProblems();
         return ListFolders();
+    }
+
+    [[nodiscard]] std::string DescribeSharedFolder() const {
+        if (sharedFolder.empty())
+            return "";
+        return fmt::format("<p class=\"quiet\"><b>…</b> stands for <span id=\"shared\">{}</span></p>",
+                           RunningHtml(sharedFolder));
+    }
+
+    /// Running text in which the names of files and folders leave out what they share.
+    [[nodiscard]] std::string Shorten(Tolvex::ustring_view text) const {
+        std::string shown = ToDisplayText(text);
+        const std::string beginning = sharedFolder + '/';
+        for (std::size_t at = 0; !sharedFolder.empty() && (at = shown.find(beginning, at)) != std::string::npos; ++at)
+            if (at == 0 || shown[at - 1] == '\'') // else it is in the middle of a name
+                shown.replace(at, sharedFolder.size(), "…");
+        return RunningHtml(shown);
     }
 
     [[nodiscard]] std::size_t FindFolder(const FoundItem& file) const {
@@ -158,8 +194,9 @@ private:
             return "<p class=\"quiet ends\"><span>first on the path</span><span>last</span></p>\n";
         std::string names;
         for (std::size_t i = 0; i < pieces.size(); ++i)
-            names += fmt::format("<span style=\"flex-grow: {:.2f}\">{} {}</span>", pieces[i].length, i + 1,
-                                 Html(check.folders[i].entry->GetIRI().getBaseName()));
+            names += fmt::format(
+                "<span style=\"flex-grow: {:.2f}\">{}{}</span>", pieces[i].length, i + 1,
+                pieces[i].length < leastNamed ? "" : ' ' + Html(check.folders[i].entry->GetIRI().getBaseName()));
         return "<p class=\"quiet names\">" + names + "</p>\n";
     }
 
@@ -217,12 +254,12 @@ private:
                 if (problem.kind != kind.name)
                     continue;
                 ++count;
-                list += fmt::format("<li><span class=\"subject\">{}</span><br>{}</li>\n", RunningHtml(problem.subject),
-                                    RunningHtml(Tolvex::FromUtf8(problem.message)));
+                list += fmt::format("<li><span class=\"subject\">{}</span><br>{}</li>\n", Shorten(problem.subject),
+                                    Shorten(Tolvex::FromUtf8(problem.message)));
             }
             if (count > 0)
-                html += fmt::format("<details open>\n<summary>{} ({})</summary>\n<ul>\n{}</ul>\n</details>\n",
-                                    Html(kind.heading), count, list);
+                html += fmt::format("<details{}>\n<summary>{} ({})</summary>\n<ul>\n{}</ul>\n</details>\n",
+                                    count > mostShownOpen ? "" : " open", Escape(kind.heading), count, list);
         }
         return html.empty() ? "<p>None.</p>" : html;
     }
@@ -233,7 +270,7 @@ private:
             html +=
                 fmt::format("<li id=\"folder-{0}\" class=\"folder\"><span class=\"place\">{0}</span><span>{1}</span>"
                             "<span class=\"count\">{2}</span>{3}</li>\n",
-                            i + 1, RunningHtml(GetStringFromIRI(check.folders[i].entry->GetIRI())),
+                            i + 1, Shorten(GetStringFromIRI(check.folders[i].entry->GetIRI())),
                             Count(check.folders[i].fileCount, "file"), DescribeEffects(effects[i]));
         return html;
     }
@@ -248,6 +285,7 @@ private:
     }
 
     const PathCheck& check;
+    std::string sharedFolder;
     std::map<const PathManagement::IPathEntry*, std::size_t> numbers; // of main folders, from 0
     std::vector<Effects> effects;                                     // of each folder
     std::vector<Piece> pieces;                                        // of each folder

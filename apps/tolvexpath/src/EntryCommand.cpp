@@ -30,8 +30,8 @@ Examples:
   tolvexpath entry --path-file path.txt
   tolvexpath entry --json geometry | python3 -m json.tool
 
-Exit status: 0 all folders were shown; 1 one, or a special folder in it, does not
-exist or cannot be read; 2 wrong use.)";
+Exit status: 0 all folders were shown; 1 one, or a special folder in it, does
+not exist or cannot be read; 2 wrong use.)";
 
 class EntryCommand final : public ICommand {
 public:

@@ -36,7 +36,7 @@ system does not tell (far disks, or no kernel watch left) are looked at every
 
 --json writes one object a line, at first {"event":"ready"}: what changes from
 then on is told, as
-  {"event":"change","folders":[...],"added":[...],"removed":[...],"changed":[...]}
+  {"event":"change","folders":[..],"added":[..],"removed":[..],"changed":[..]}
 with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left
 out of added names, 'after' of removed ones.
 
@@ -44,7 +44,7 @@ Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 
 Examples:
   tolvexpath watch -p geometry -p statistics
-  tolvexpath watch --path-file path.txt --json | while read -r change; do make; done
+  tolvexpath watch --path-file path.txt | while read -r line; do make; done
 
 Exit status: 0 ended as above; 1 no folder could be read; 2 wrong use.)help";
 
@@ -108,7 +108,7 @@ private:
 
 void WatchCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
-    cache.DeclareOptions(arguments);
+    cache.DeclareOptions(arguments, false); // it looks at every folder when it begins
     arguments.add_flag("--json", asJson, "Write one JSON object a line");
     arguments.add_option("--quiet", quiet, "Wait until nothing has happened for so many milliseconds [50]")
         ->type_name("MS")

@@ -38,6 +38,18 @@ Examples:
 Exit status: 0 written, or whole; 1 the file is not whole, or a folder was left
 out; 2 wrong use, not saved, or not to be read.)";
 
+constexpr const char* writeHelp = R"(Main folders below ROOT are recorded with their special folders, as they are on
+the disk now. Others are told and left out.
+
+Examples:
+  tolvexpath cache write toolboxes --path-file path.txt -o toolboxes.cache
+
+Exit status: 0 written; 1 written, but a folder was left out or could not be
+read; 2 wrong use, or not saved.)";
+
+constexpr const char* readHelp = R"(Exit status: 0 the file is whole; 1 it is not, or is no path cache file; 2
+wrong use, or it cannot be read.)";
+
 class CacheCommand final : public ICommand {
 public:
     [[nodiscard]] std::string GetName() const override { return "cache"; }
@@ -87,6 +99,7 @@ void CacheCommand::DeclareArguments(CLI::App& arguments) {
     write->add_option("-o,--output", file, "The file to write; an old one is replaced whole or stays")
         ->type_name("FILE")
         ->required();
+    write->footer(writeHelp);
     DeclareFile(*arguments.add_subcommand("check", "Tell whether a file is whole"));
     show = arguments.add_subcommand("show", "Show what a file records, up to the first error");
     DeclareFile(*show);
@@ -96,6 +109,7 @@ void CacheCommand::DeclareArguments(CLI::App& arguments) {
 void CacheCommand::DeclareFile(CLI::App& arguments) {
     arguments.add_option("FILE", file, "The path cache file; '-' is the standard input")->type_name("")->required();
     arguments.add_flag("--json", asJson, "Write one JSON object");
+    arguments.footer(readHelp);
 }
 
 ExitCode CacheCommand::Run() {

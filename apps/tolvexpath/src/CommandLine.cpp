@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <map>
@@ -158,6 +159,14 @@ ExitCode ParseAndRun(int argumentCount, const char* const* arguments) {
     return byArguments.at(app.get_subcommands().front())->Run();
 }
 
+/// The cause of much that fails, though the message is about the folder that was to be found from there.
+void TellIfWorkingFolderIsGone() {
+    std::error_code failure;
+    static_cast<void>(std::filesystem::current_path(failure));
+    if (failure)
+        PrintMessage("the working folder is gone; change to one that exists");
+}
+
 } // namespace
 
 ExitCode RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
@@ -165,6 +174,7 @@ ExitCode RunCommandLine(int argumentCount, const char* const* arguments) noexcep
         return ParseAndRun(argumentCount, arguments);
     } catch (const std::exception& error) {
         PrintMessage(error.what());
+        TellIfWorkingFolderIsGone();
     }
     return ExitCode::failure;
 }

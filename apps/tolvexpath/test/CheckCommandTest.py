@@ -7,7 +7,7 @@ import stat
 import subprocess
 import unittest
 
-from program import FAILURE, FOUND, NOT_FOUND, PROGRAM, FolderTest, Result, environment
+from program import FAILURE, FOUND, NOT_FOUND, PROGRAM, FolderTest
 
 NASTY = "<b>&amp;\"'\x1b[2J\n\udcff</script>".replace("/", "_")
 
@@ -207,13 +207,6 @@ Names with hidden files (1)
         self.assertEqual({b"a", b"page.html", b"pipe", b"link"}, set(os.listdir(self.root)))
         self.assertEqual(FOUND, self.run_here("check", "-p", "a", "--html", "page.html").code)
         self.read_page()
-
-    def test_wrong_use(self):
-        self.make("a/")
-        for arguments in ([], ["a"], ["-p", "a", "--scope", "resources"], ["-p", "a", "--html"], ["-p", "a", "--all"]):
-            result = self.run_here("check", *arguments)
-            self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
-        self.assertIn(b"Examples:", self.run_here("check", "--help").out)
 
 
 if __name__ == "__main__":

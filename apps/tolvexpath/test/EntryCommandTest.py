@@ -1,6 +1,7 @@
 """The entry command: what it draws, what it writes and what it says of folders that are not there."""
 
 import os
+import subprocess
 import unittest
 
 from program import FAILURE, FOUND, NOT_FOUND, PROGRAM, FolderTest, run
@@ -67,12 +68,13 @@ class EntryCommandTest(FolderTest):
         nodes = self.run_here("entry", "--json", "link/../other", *odd[:-2], "--", "--", "-p").json
         self.assertEqual(["real/other", *odd], [os.path.relpath(node["path"], os.fsdecode(self.root)) for node in nodes])
 
-    def test_wrong_use(self):
-        for arguments in ([], ["nonsense"], ["entry"], ["entry", ""], ["entry", "--jsn", "."], ["entry", "--json", "-f", "."]):
-            result = self.run_here(*arguments)
-            self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
-            self.assertRegex(result.err, "^tolvexpath: ")
-        self.assertIn("'nonsense'", self.run_here("nonsense", "-p", "x").err)
+    def test_a_working_folder_that_is_gone_is_named(self):
+        self.make("here/", "a/")
+        gone = ["sh", "-c", 'cd "$1" && rmdir "$1" && shift && exec "$@"', "sh", self.path("here"), PROGRAM]
+        for arguments, code in ((["entry", "../a"], FAILURE), (["entry", self.path("a")], FOUND)):
+            os.makedirs(self.path("here"), exist_ok=True)
+            done = subprocess.run([*gone, *arguments], capture_output=True, check=False)
+            self.assertEqual((code, code == FAILURE), (done.returncode, b"the working folder is gone; change to" in done.stderr))
 
     def test_output_that_fails_is_a_failure(self):
         with open("/dev/full", "wb") as full:

@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from program import FAILURE, FOUND, NOT_FOUND, FolderTest
+from program import FOUND, NOT_FOUND, FolderTest
 
 
 class FindCommandTest(FolderTest):
@@ -77,18 +77,6 @@ class FindCommandTest(FolderTest):
             found = self.run_here("find", "--json", "-p", "\udcff", name).json
             folder = os.fsdecode(self.path("\udcff"))
             self.assertEqual([{"entry": folder, "stem": name, "extension": ".kx", "file": f"{folder}/{name}.kx"}], found)
-
-    def test_wrong_use(self):
-        self.make("a/")
-        here = ["-p", "a"]
-        for arguments in (["f"], ["f", "--path-file", "/dev/null"], here, ["f", "-p", ""], ["f", *here, "--match", "loose"],
-                          ["f", *here, "--scope", "main,folders"], ["f", *here, "--ext", "kx"], ["f", "g", *here],
-                          ["f", *here, "--queries", "-"], ["f", *here, "--json", "-0"], ["f", "--path-file", "missing"],
-                          ["", *here], ["f", "--path-file", "a"], ["--queries", "-", "--path-file", "-"], ["--queries", "missing", *here]):
-            result = self.run_here("find", *arguments)
-            self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
-            self.assertRegex(result.err, "^tolvexpath: ")
-        self.assertIn("'gone' is none of all, main, package", self.run_here("find", "f", *here, "--scope", "gone").err)
 
     def test_names_of_commands_and_options_can_be_found(self):
         self.make("a/find.kx", "a/entry.kx", "a/-p.kx", "a/[x,y].kx", "a/{}.kx")

@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from program import FAILURE, FOUND, NOT_FOUND, FolderTest, environment
+from program import FOUND, NOT_FOUND, FolderTest, environment
 
 
 class PathCommandTest(FolderTest):
@@ -83,12 +83,6 @@ Left out:
   The folder '{os.fsdecode(self.root)}/gone\\x1b' does not exist""".splitlines()),
                          result.out.decode().partition(" or is not a folder")[0].splitlines())
         self.assertEqual(b"The path is empty.\n", self.run_here("path", "-p", "gone").out.partition(b"\n\n")[0] + b"\n")
-
-    def test_wrong_use(self):
-        for arguments in ([], ["a"], ["-p", "a", "--cache", "x"], ["-p", "a", "--xml"], ["--path-file", "missing"]):
-            result = self.run_here("path", *arguments)
-            self.assertEqual((FAILURE, b""), (result.code, result.out), arguments)
-        self.assertIn(b"Examples:", self.run_here("path", "--help").out)
 
 
 if __name__ == "__main__":

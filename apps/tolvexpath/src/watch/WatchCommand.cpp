@@ -16,6 +16,7 @@
 #include <fmt/format.h>
 
 #include <system_error>
+#include <type_traits>
 
 namespace TolvexPath {
 
@@ -49,11 +50,14 @@ Examples:
 Exit status: 0 ended as above; 1 no folder could be read; 2 wrong use.)help";
 
 /// Whether a value is a number from `least` to `most`; without a name, which the help would show.
-CLI::Validator MakeRange(double least, double most) {
+template <typename Number>
+CLI::Validator MakeRange(Number least, Number most) {
     const auto refuse = [least, most](const std::string& text) {
-        double number = 0;
-        const bool isWithin = CLI::detail::lexical_cast(text, number) && number >= least && number <= most;
-        return isWithin ? std::string() : fmt::format("'{}' is no number from {} to {}", text, least, most);
+        Number number = 0;
+        if (CLI::detail::lexical_cast(text, number) && number >= least && number <= most)
+            return std::string();
+        return fmt::format("'{}' is no {} from {} to {}", text, std::is_integral_v<Number> ? "whole number" : "number",
+                           least, most);
     };
     return {refuse, ""};
 }
@@ -112,10 +116,10 @@ void WatchCommand::DeclareArguments(CLI::App& arguments) {
     arguments.add_flag("--json", asJson, "Write one JSON object a line");
     arguments.add_option("--quiet", quiet, "Wait until nothing has happened for so many milliseconds [50]")
         ->type_name("MS")
-        ->check(MakeRange(1, 60'000));
+        ->check(MakeRange(1u, 60'000u));
     arguments.add_option("--interval", interval, "Seconds between looks at folders that nothing tells of [1]")
         ->type_name("SECONDS")
-        ->check(MakeRange(0.01, 86'400));
+        ->check(MakeRange(0.01, 86'400.));
     arguments.footer(help);
 }
 

@@ -195,7 +195,7 @@ Names with hidden files (1)
             for command in (["check", "-p", "a", "--html"], ["cache", "write", ".", "-p", "a", "-o"]):
                 result = self.run_here(*command, target)
                 self.assertEqual((FAILURE, b"", 1), (result.code, result.out, len(result.err.splitlines())))
-                self.assertRegex(result.err, f"^tolvexpath: (cannot write '{target}': |The path cache file \"{target}\" was not saved)")
+                self.assertRegex(result.err, f"^tolvexpath: (cannot write '{target}': |The path cache '{target}' could not be saved)")
         self.assertTrue(stat.S_ISFIFO(os.stat(self.path("link")).st_mode))
         # No more than 512 bytes a file: the page does not fit, and the old one stays.
         done = subprocess.run(["sh", "-c", 'trap "" XFSZ; ulimit -f 1; exec "$0" check -p a --html page.html', PROGRAM], cwd=self.root,

@@ -16,7 +16,10 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <sstream>
+#include <algorithm>
+#include <istream>
+#include <streambuf>
+#include <string_view>
 #include <vector>
 
 namespace TolvexPath {
@@ -70,25 +73,33 @@ private:
     bool asJson = false;
 };
 
-/// All of a file, or of a pipe, which cannot be gone back in; "-" is the standard input. Throws std::system_error.
-std::stringstream ReadWhole(const std::string& fileName) {
-    InputFile input(fileName);
-    std::stringstream text;
-    std::vector<char> piece(1 << 16);
-    while (const std::size_t count = input.Read(piece))
-        text.write(piece.data(), static_cast<std::streamsize>(count));
-    return text;
-}
+/// The bytes of a file, or of a pipe, which cannot be gone back in. Throws std::system_error where nothing can be read.
+class InputBuffer final : public std::streambuf {
+public:
+    explicit InputBuffer(const std::string& fileName) : input(fileName) {}
 
-/// Tells a broken file from one that never was any; leaves the stream at its beginning.
-bool BeginsAsCacheFile(std::istream& stream) {
-    constexpr std::string_view beginning = "<Harrowfen ";
-    std::string read(beginning.size(), '\0');
-    stream >> std::ws;
-    stream.read(read.data(), static_cast<std::streamsize>(read.size()));
-    stream.clear();
-    stream.seekg(0);
-    return read == beginning;
+    /// What is read at once, and is still there to be read. Used before anything else.
+    [[nodiscard]] std::string_view Peek() {
+        underflow();
+        return {gptr(), egptr()};
+    }
+
+protected:
+    int_type underflow() override {
+        const std::size_t count = input.Read(piece);
+        setg(piece.data(), piece.data(), piece.data() + count);
+        return count == 0 ? traits_type::eof() : traits_type::to_int_type(piece.front());
+    }
+
+private:
+    InputFile input;
+    std::vector<char> piece = std::vector<char>(1 << 16);
+};
+
+/// Tells a broken file from one that never was any.
+bool BeginsAsCacheFile(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    return text.starts_with("<Harrowfen ");
 }
 
 void CacheCommand::DeclareArguments(CLI::App& arguments) {
@@ -140,13 +151,15 @@ ExitCode CacheCommand::Write() const {
 }
 
 ExitCode CacheCommand::Read() const {
-    std::stringstream text = ReadWhole(file);
+    InputBuffer input(file);
+    const bool isOne = BeginsAsCacheFile(input.Peek());
+    std::istream stream(&input);
+    stream.exceptions(std::ios::badbit); // so that what the buffer throws comes through
     Output output;
     const std::unique_ptr<CacheReport> report = CreateCacheReport(output, show->parsed(), asJson);
     std::string message;
-    const bool isOne = BeginsAsCacheFile(text);
     try {
-        PathManagement::ReadToolboxCache(text, [&](const auto& record) { report->Add(*record); });
+        PathManagement::ReadToolboxCache(stream, [&](const auto& record) { report->Add(*record); });
     } catch (const PathManagement::ToolboxCacheWrongFormatException& refusal) {
         message = fmt::format("'{}'{}: {}", file, isOne ? "" : " is not a path cache file", refusal.what());
     }

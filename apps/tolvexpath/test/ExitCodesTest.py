@@ -155,7 +155,8 @@ class ExitCodesTest(FolderTest):
             (["check"], "FILE is required", "cache check"), (["show", "a", "b"], "'b' is too much", "cache show"),
         ):
             self.check(["cache"], arguments, FAILURE, message, hint=hint)
-        for name, beginning in (("nothing", foreign), ("half", "'half': The path cache file ends after byte")):
+        for name, beginning in (("nothing", foreign), ("half", "'half': The path cache file ends after byte"),
+                                ("/dev/zero", "'/dev/zero' is not a path cache file: ")):  # which has no end
             result = self.run_here("cache", "check", name)
             self.assertEqual((NOT_FOUND, True), (result.code, result.err.startswith(f"tolvexpath: {beginning}")), result.err)
         for name in ("gone", "nothing", "half"):

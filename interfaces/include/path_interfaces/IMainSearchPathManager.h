@@ -44,9 +44,9 @@ public:
     /// after that.
     virtual void RefreshPath(RefreshType type) = 0;
 
-    /// Sets the path. Entries that may not stand on it are left out and told in `problems`, a private folder that stands
-    /// in front as a main folder among them; of two entries of one folder the first stays; null entries are passed over.
-    /// Throws PathAlterationNotSupportedException and RecursivePathChangeException.
+    /// Sets the path. Entries that may not stand on it are left out and told in `problems`, a private folder that
+    /// stands in front as a main folder among them; of two entries of one folder the first stays; null entries are
+    /// passed over. Throws PathAlterationNotSupportedException and RecursivePathChangeException.
     virtual void SetPathEntries(std::vector<std::shared_ptr<const IPathEntry>> entries,
                                 Tolvex::Notification& problems) = 0;
 

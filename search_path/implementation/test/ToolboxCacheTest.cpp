@@ -14,6 +14,7 @@
 #include <regex>
 #include <sstream>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -392,10 +393,12 @@ TEST_F(ToolboxCacheOnDisk, ANameThatTheFormatCannotCarryLeavesTheOldFile) {
 }
 
 TEST_F(ToolboxCacheOnDisk, RefusesPlacesWhereNoFileCanBe) {
-    for (const auto* place : {"missing/cache.xml", "lib", "lib/a.kx/cache.xml"}) {
+    ASSERT_EQ(::mkfifo((root / "pipe").c_str(), 0600), 0);
+    for (const auto* place : {"missing/cache.xml", "lib", "lib/a.kx/cache.xml", "pipe"}) {
         file = root / place;
         EXPECT_NE(Save().find(file.native()), std::string::npos);
     }
+    EXPECT_TRUE(std::filesystem::is_fifo(root / "pipe"));
     file = root / "absent.xml";
     EXPECT_THROW(LoadToolboxPathCache(factory, At(""), file), ToolboxCacheWrongFormatException);
     file = root / "lib";

@@ -76,6 +76,8 @@ public:
             return;
         if (S_ISDIR(old.st_mode))
             Fail(file, EISDIR);
+        if (!S_ISREG(old.st_mode))
+            Fail(file, EINVAL); // a device or a pipe would be lost
         // Who could read the old file can read the new one.
         if (::fchmod(descriptor.Get(), old.st_mode & 07777) != 0)
             Fail(file);

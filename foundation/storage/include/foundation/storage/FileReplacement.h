@@ -16,7 +16,8 @@ namespace Tolvex {
 /// followed: what it leads to is replaced. For one thread.
 class KX_EXPORT FileReplacement {
 public:
-    /// Throws std::filesystem::filesystem_error when nothing can be made in the file's folder.
+    /// Throws std::filesystem::filesystem_error when nothing can be made in the file's folder, and when the file is
+    /// there and no ordinary one.
     explicit FileReplacement(const std::filesystem::path& file);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <stdexcept>
 #include <vector>
 
@@ -42,6 +43,27 @@ TEST(AsynchronousWorkerQueue, HandsExceptionsToTheFutureAndGoesOn) {
     EXPECT_THROW(failed.get(), std::runtime_error);
     EXPECT_NO_THROW(next.get());
     queue.WaitUntilIdle();
+}
+
+TEST(AsynchronousWorkerQueue, IsNotIdleWhileItsLastTaskRuns) {
+    AsynchronousWorkerQueue queue;
+    for (int round = 0; round < 5; ++round) {
+        std::promise<void> started;
+        std::atomic<bool> isAsked = false;
+        std::atomic<bool> isDone = false;
+        Queue(queue, [&] {
+            started.set_value();
+            isAsked.wait(false);
+            for (int turn = 0; turn < 1000; ++turn)
+                std::this_thread::yield();
+            isDone = true;
+        });
+        started.get_future().wait();
+        isAsked = true;
+        isAsked.notify_one();
+        queue.WaitUntilIdle();
+        ASSERT_TRUE(isDone);
+    }
 }
 
 TEST(AsynchronousWorkerQueue, TasksReportMisuseAsTheStandardLibraryDoes) {

@@ -1,7 +1,10 @@
 #include "PathWorld.h"
 
+#include "path_interfaces/events/PathEntryWillBeDestroyedEvent.h"
+
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <thread>
 
 namespace PathManagement {
@@ -40,6 +43,14 @@ TEST(PathEntryFactory, SortsChildFoldersByWhatTheirParentMayHold) {
                      "/m/private/+p/5.kx", "/m/resources/private/6.kx", "/m/Private/7.kx", "/m/@/8.kx"});
     for (const auto& [folder, drawing] : cases)
         EXPECT_EQ(Draw(*world.Entry(folder)), drawing);
+}
+
+TEST(PathEntryFactory, TheLastPrivateAndResourcesEntriesCount) {
+    PathWorld world({"/m/private/a.kx", "/m/resources/b.xml", "/n/private/c.kx", "/n/resources/d.xml"});
+    PathEntryChildren children;
+    for (const auto* folder : {"/m/private", "/m/resources", "/n/private", "/n/resources"})
+        PathEntryFactory::PushChildEntryToCurrentPathEntry(children, world.Entry(folder));
+    EXPECT_EQ(Where({children.privateEntry, children.resourcesEntry}), "/n/private /n/resources");
 }
 
 TEST(PathEntryFactory, EndsChainsOfLinksThatLeadBackUp) {
@@ -175,11 +186,32 @@ TEST(PathEntryFactory, AFolderThatVanishesBecomesEmptyAndComesBack) {
     const Tolvex::AbsoluteIRI wanted = PathWorld::At("/m");
     EXPECT_EQ(Where(world.factory.CreatePathEntries({&wanted, 1}, world.monitor, problems)), "-")
         << "an empty entry that is kept does not make a missing folder acceptable";
+    EXPECT_EQ(world.factory.CreatePathEntry(wanted, world.monitor), entry) << "but it is the entry of that folder";
     world.storage->Add("/m/c.kx");
     EXPECT_EQ(refresh(), "0 /m [c.kx]");
     world.storage->DenyAccess("/m");
     world.storage->Add("/m/d.kx");
     EXPECT_EQ(refresh(), "0 /m []");
+}
+
+TEST(PathEntryFactory, WritesOnlyTheMainFoldersThatAreThere) {
+    PathWorld world({"/r/gone/a.kx", "/r/m/+pkg/b.kx", "/r/unwatched/c.kx"});
+    const PathEntryVector kept{world.Entry("/r/gone"), world.Entry("/r/m/+pkg"), world.Entry("/r/never there")};
+    const UniformFolderMonitor nobody(FolderMonitoringLevel::none);
+    const auto unwatched = world.factory.CreatePathEntry(PathWorld::At("/r/unwatched"), nobody);
+    world.storage->Remove("/r/gone");
+    std::size_t ends = 0;
+    const auto connection = world.events->Subscribe<PathEntryWillBeDestroyedEvent>([&](const auto& event) {
+        EXPECT_EQ(event.GetCanonicalIRI(), unwatched->GetIRI());
+        EXPECT_NE(&event.GetEntry(), unwatched.get());
+        ++ends;
+    });
+    std::ostringstream text;
+    world.factory.WriteToolboxCache(text, PathWorld::At("/r"));
+    EXPECT_EQ(text.str().substr(text.str().find('\n')),
+              "\n <D name=\"unwatched\">\n  <C name=\"c.kx\"/>\n </D>\n</Harrowfen>\n");
+    EXPECT_EQ(ends, 1u) << "of what was listed anew, to be written";
+    EXPECT_EQ(world.factory.GetLiveEntry(PathWorld::At("/r/unwatched")), unwatched);
 }
 
 TEST(PathEntryFactory, AChildThatVanishesBetweenListingAndOpeningIsLeftOut) {

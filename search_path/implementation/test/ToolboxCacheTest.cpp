@@ -274,6 +274,18 @@ TEST(ToolboxCache, RecordsThatCannotStandWhereTheySayAreLeftOut) {
     EXPECT_EQ(world.factory.GetCounters().entriesKept, 3u) << "what was made for names outside died at once";
 }
 
+TEST(ToolboxCache, AFolderNamedTwiceIsKeptAsTheOneThatIsAlive) {
+    PathWorld world({"/root/m/a.kx"});
+    LoadCache(world, "/root",
+              "<Harrowfen type=\"Path Cache File\" version=\"2.0\" date=\"\"><D name=\"m\">"
+              "<D name=\"m/private\"><C name=\"old.kx\"/></D><D name=\"m/private\"><C name=\"new.kx\"/></D>"
+              "</D></Harrowfen>");
+    const auto entry = world.Entry("/root/m");
+    EXPECT_EQ(Draw(*entry), "0 /root/m [] (3 /root/m/private [new.kx])");
+    EXPECT_EQ(world.factory.GetLiveEntry(PathWorld::At("/root/m/private")), entry->GetPrivateEntry());
+    EXPECT_EQ(world.factory.GetCounters().entriesKept, 2u);
+}
+
 TEST(ToolboxCache, EntriesMayDieWhileOneIsWritten) {
     PathWorld world({"/root/m/+p/+q/a.kx", "/root/n/b.kx"});
     const auto kept = world.Entry("/root/n");

@@ -48,16 +48,17 @@ struct Winner {
 /// Kept apart so that the road of absent names, which ends before it, stays short.
 [[gnu::noinline]] void FindFirstInLayer(const LayeredIndex& index, const LayeredIndex::NamedEntries& entries,
                                         const NameQuestion& question, Winner& winner) {
-    const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(question.policy);
     entries.ForEach(winner.order, [&](const LayeredIndex::Place& place, std::uint32_t firstItem) {
         const LayeredIndex::Slot& slot = *place.slot;
         if (!question.scope.Contains(slot.type))
             return winner.order;
         index.PrepareHandle(place.GetMainPlace());
         const PathItem* item = nullptr;
-        if (!slot.IsForeign())
+        if (!slot.IsForeign()) {
+            const auto modifier = static_cast<const PathEntry*>(slot.entry)->GetCaseModifier(question.policy);
             item =
                 FindFirstItemOfName(slot.GetItems().subspan(firstItem), {question.target, slot.comparator, modifier});
+        }
         if (slot.IsForeign() ? slot.entry->FindFirst(question.target, question.policy) != nullptr : item != nullptr)
             winner = {place.order, place.slot, item};
         return winner.order;
@@ -141,16 +142,17 @@ std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const Canoni
 
 std::shared_ptr<const IPathEntry> Path::GetPathEntryFromAbsoluteIRI(const AbsoluteIRI& location,
                                                                     FilenameMatchingPolicy policy) const {
-    const Tolvex::CaseModifier modifier = PathEntry::GetCaseModifier(policy);
-    if (modifier == Tolvex::CaseModifier::exact ||
-        (modifier == Tolvex::CaseModifier::fileSystemRule && !index->HasFoldersThatIgnoreCase())) {
+    if (policy == FilenameMatchingPolicy::exact ||
+        (policy == FilenameMatchingPolicy::native && !index->HasFoldersThatIgnoreCase())) {
         const auto place = index->FindLocation(location);
         return place ? index->GetHandle(*place) : nullptr;
     }
+    const ustring wanted(location.getPath());
     for (const Place& place : index->FindFolderName(Tolvex::FoldCase(location.getBaseName()))) {
-        const CanonicalAbsoluteIRI candidate = place.slot->entry->GetIRI();
+        const IPathEntry& entry = *place.slot->entry;
+        const CanonicalAbsoluteIRI candidate = entry.GetIRI();
         if (candidate.getScheme() == location.getScheme() &&
-            place.slot->comparator(candidate.getPath(), location.getPath(), modifier))
+            (*entry.CreateFilenameMatcher(policy))(ustring(candidate.getPath()), wanted))
             return index->GetHandle(place);
     }
     return nullptr;

@@ -1,5 +1,6 @@
 #include "path_model/PathEntry.h"
 
+#include "foundation/diagnostics/Terminate.h"
 #include "path_interfaces/IPathEntryFactory.h"
 #include "path_interfaces/events/PathEntryWillBeDestroyedEvent.h"
 #include "path_model/ItemSearch.h"
@@ -39,9 +40,9 @@ PathEntry::PathEntry(Tolvex::CanonicalAbsoluteIRI location, ustring descriptor, 
       methodEntries(Share(std::move(children.methodEntries))),
       uddClassEntries(Share(std::move(children.uddClassEntries))), privateEntry(std::move(children.privateEntry)),
       resourcesEntry(std::move(children.resourcesEntry)), items(PathItemBlock::Create(this->location, fileNames)),
-      pathComparator(pathComparator), matchers{MakeFilenameMatcher(this->pathComparator, CaseModifier::fileSystemRule),
-                                               MakeFilenameMatcher(this->pathComparator, CaseModifier::exact),
-                                               MakeFilenameMatcher(this->pathComparator, CaseModifier::ignoreCase)},
+      pathComparator(pathComparator), matchers{MakeFilenameMatcher(this->pathComparator, caseModifiers[0]),
+                                               MakeFilenameMatcher(this->pathComparator, caseModifiers[1]),
+                                               MakeFilenameMatcher(this->pathComparator, caseModifiers[2])},
       observer(std::move(observer)), observerCoversChildren(this->observer->observesChildFoldersToo()),
       eventManager(std::move(eventManager)) {}
 
@@ -135,7 +136,10 @@ std::shared_ptr<const FilenameMatcher> PathEntry::CreateFilenameMatcher(Filename
 }
 
 const FilenameMatcher& PathEntry::GetFilenameMatcher(FilenameMatchingPolicy policy) const {
-    return matchers[static_cast<std::size_t>(GetCaseModifier(policy))];
+    const auto place = static_cast<std::size_t>(policy);
+    if (place >= matchers.size())
+        Tolvex::DiagnosticTerminate("Unrecognized FilenameMatchingPolicy passed to GetFilenameMatcher");
+    return matchers[place];
 }
 
 bool PathEntry::IsOutOfDate() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "foundation/diagnostics/Terminate.h"
 #include "foundation/events/EventMgr.h"
 #include "foundation/observers/IFileFolderObserver.h"
 #include "path_interfaces/IPathEntry.h"
@@ -55,26 +54,24 @@ public:
                                                                         const IFolderMonitor& monitor) const override;
     [[nodiscard]] const Tolvex::PathComparator& GetPathComparator() const override;
 
-    /// How a policy asks a comparator to compare; the values of the two enumerations deliberately differ. An unknown
-    /// policy is a programming error and ends the process.
-    [[nodiscard]] static Tolvex::CaseModifier GetCaseModifier(FilenameMatchingPolicy policy) {
-        switch (policy) {
-        case FilenameMatchingPolicy::exact:
-            return Tolvex::CaseModifier::exact;
-        case FilenameMatchingPolicy::ignoreCase:
-            return Tolvex::CaseModifier::ignoreCase;
-        case FilenameMatchingPolicy::native:
-            return Tolvex::CaseModifier::fileSystemRule;
-        }
-        Tolvex::DiagnosticTerminate("Unrecognized FilenameMatchingPolicy passed to GetFilenameMatcher");
-    }
-
+    /// An unknown policy is a programming error and ends the process.
     [[nodiscard]] const FilenameMatcher& GetFilenameMatcher(FilenameMatchingPolicy policy) const;
+
+    /// How the matcher of a policy asks the comparator to compare, for those who compare without making strings.
+    [[nodiscard]] Tolvex::CaseModifier GetCaseModifier(FilenameMatchingPolicy policy) const {
+        if (static_cast<std::size_t>(policy) >= caseModifiers.size()) [[unlikely]]
+            static_cast<void>(GetFilenameMatcher(policy)); // tells what is wrong and does not return
+        return caseModifiers[static_cast<std::size_t>(policy)];
+    }
 
     /// The files without making handles of them; valid as long as the entry lives.
     [[nodiscard]] std::span<const PathItem> GetItems() const noexcept { return items->GetItems(); }
 
 private:
+    /// By policy; the values of the two enumerations deliberately differ.
+    static constexpr std::array caseModifiers{Tolvex::CaseModifier::exact, Tolvex::CaseModifier::ignoreCase,
+                                              Tolvex::CaseModifier::fileSystemRule};
+
     template <class Visit>
     bool AnyChild(const Visit& visit) const;
 
@@ -89,7 +86,7 @@ private:
     std::shared_ptr<const PathItemBlock> items;
     PublishOnce<std::shared_ptr<const PathItemVector>> itemHandles; // most entries are searched, few are listed
     Tolvex::PathComparator pathComparator;
-    std::array<FilenameMatcher, 3> matchers; // by CaseModifier; each holds a pointer to pathComparator
+    std::array<FilenameMatcher, caseModifiers.size()> matchers; // by policy; each holds a pointer to pathComparator
     std::unique_ptr<Tolvex::IFileFolderObserver> observer;
     bool observerCoversChildren;
     boost::shared_ptr<Tolvex::EventMgr> eventManager;

@@ -111,6 +111,8 @@ void ToolboxCacheLoader::MakeEntries(const ToolboxCacheRecord& record, std::size
 }
 
 void ToolboxCacheLoader::Keep(std::vector<CachedEntry>& entries, std::size_t number) {
+    // Where a file names one folder twice, the later may stand under the parent alone: it comes last.
+    std::ranges::reverse(entries);
     const std::scoped_lock lock(mutex);
     if (made.size() <= number)
         made.resize(number + 1);

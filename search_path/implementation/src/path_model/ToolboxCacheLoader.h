@@ -25,7 +25,7 @@ public:
     /// before this object does. Throws ToolboxCacheWrongFormatException.
     void Load(std::istream& cacheFile);
 
-    /// What was made of each record, in file order; children before parents.
+    /// What was made of each record, all in file order, so parents before children.
     [[nodiscard]] std::span<const std::vector<CachedEntry>> GetEntries() const noexcept { return made; }
 
 private:

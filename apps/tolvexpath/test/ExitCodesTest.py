@@ -143,7 +143,7 @@ class ExitCodesTest(FolderTest):
             (["write", "gone", "-p", "a", "-o", "new"], FAILURE, MISSING), (["write", "", "-p", "a", "-o", "new"], FAILURE, "a folder's name is empty"),
             (["write", ".", "-p", "a", "-o", "a"], FAILURE, "cannot write 'a': Is a directory"),
             (["write", ".", "-p", "a", "-o", ""], FAILURE, "cannot write '': the name is empty"),
-            (["write", ".", "-p", "a", "-o", "gone/x"], FAILURE, "The path cache 'gone/x' could not be saved; an earlier one is still in place. Reason: No such file or directory."),
+            (["write", ".", "-p", "a", "-o", "gone/x"], FAILURE, "The path cache 'gone/x' could not be saved; nothing was changed there. Reason: No such file or directory."),
             (["check", "cache"], FOUND), (["show", "cache", "--json"], FOUND), (["check", "half", "--json"], NOT_FOUND),
             (["check", "gone"], FAILURE, "cannot read 'gone': No such file or directory"),
             (["show", "a", "--json"], FAILURE, "cannot read 'a': Is a directory"),

@@ -82,7 +82,7 @@ constexpr auto catalogue = std::to_array<Text>({
     {"TOLVEX:string", "MustBeStringScalarOrCharacterVector", 0,
      "The input must be a text: a string scalar or a character row vector."},
     {"TOLVEX:CachePath", "FailedToSave", 2, // the file, or the root folder; why
-     "The path cache '{0}' could not be saved; what stood there before still does. Reason: {1}"},
+     "The path cache '{0}' could not be saved; nothing was changed there. Reason: {1}"},
     {"TOLVEX:CachePath", "FailedToLoad", 2, // the file, why
      "The path cache '{0}' could not be loaded; folders are read from the disk instead. Write it again. Reason: {1}"},
     {"TOLVEX:CachePath", "InvalidOption", 0, "Unknown option. Use 'status', 'write', 'load' or 'drop'."},

@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "FolderArguments.h"
+#include "PackageArguments.h"
 #include "Terminal.h"
 #include "UsageError.h"
 #include "shell/EditedLines.h"
@@ -46,6 +47,7 @@ private:
     [[nodiscard]] ExitCode Converse(ShellContext& context) const;
 
     FolderArguments folders;
+    PackageArguments packages;
     bool stopsAtFailure = false;
     bool keepsNoHistory = false;
 };
@@ -59,6 +61,7 @@ std::string ListCommands() {
 
 void RunShellCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     arguments.add_flag("--stop", stopsAtFailure, "End a script at the first command that fails");
     arguments.add_flag("--no-history", keepsNoHistory, "Neither read nor write what was typed in at other times");
     arguments.footer(ListCommands() + help);
@@ -67,7 +70,7 @@ void RunShellCommand::DeclareArguments(CLI::App& arguments) {
 ExitCode RunShellCommand::Run() {
     if (folders.ReadsStandardInput())
         throw UsageError("the standard input cannot be both the list of folders and the commands");
-    ShellContext context(PathManagement::CurrentFolderPolicy::trackWorkingFolder);
+    ShellContext context(PathManagement::CurrentFolderPolicy::trackWorkingFolder, packages.GetFolder());
     const bool isPathWhole = SetFirstPath(context);
     if (IsTerminal(StandardChannel::input) && IsTerminal(StandardChannel::output))
         return Converse(context);
@@ -77,12 +80,11 @@ ExitCode RunShellCommand::Run() {
 }
 
 bool RunShellCommand::SetFirstPath(ShellContext& context) const {
+    context.Report(context.GetSession().TakePackageReport()); // an unusable package is no failure of the script
     if (!folders.NamesFolders())
         return true;
-    ShellContext::IRIs locations;
-    for (const Tolvex::AbsoluteIRI& location : folders.GetLocations())
-        locations.emplace_back(location, u"");
-    return context.SetFolders(locations);
+    const auto locations = folders.GetLocations();
+    return context.Alter([&](Tolvex::Notification& problems) { problems = context.GetSession().SetPath(locations); });
 }
 
 ExitCode RunShellCommand::Converse(ShellContext& context) const {

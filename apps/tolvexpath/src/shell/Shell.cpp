@@ -26,6 +26,7 @@ bool Shell::Run(LineSource& lines, bool stopsAtFailure) {
 /// A line that fails ends nothing but itself, unless the output fails.
 bool Shell::Execute(std::string_view line) {
     try {
+        context.FollowPackages();
         return ExecuteWords(line);
     } catch (const std::system_error&) {
         throw;

@@ -73,6 +73,14 @@ class StartTest(PackagesOnPathTest):
         for command in ("path", "shadows", "check", "entry", "watch"):
             self.assertEqual(FAILURE, self.run_here(command).code, command)
 
+    def test_packages_installed_after_a_point(self):
+        self.install("one")
+        needed, front = self.install("needed", "--dependency"), self.install("front", properties={"PathPosition": "begin"})
+        calls = ("[folders, newest] = GetPathForPackagesInstalledAfter(1) --json\n"
+                 "[folders, newest] = GetPathForPackagesInstalledAfter('3') --json\n")
+        first, second = self.ask("shell", stdin=calls.encode()).json_lines
+        self.assertEqual([{"folders": [needed, front], "newest": "3"}, {"folders": [], "newest": "3"}], [first, second])
+
     def test_folders_of_packages_among_those_that_are_named(self):
         self.make("a/f.kx")
         tool = self.install("tool", "--in-place", properties={"PathPosition": "begin"})
@@ -188,7 +196,7 @@ class OtherProcessTest(PackagesOnPathTest):
         self.assertEqual(stages("1 folder, then 2", 1, 0), do())
         self.assertEqual([], do())
         self.assertEqual(FOUND, self.package("rescan").code)
-        self.assertEqual([], do("refresh"))
+        self.assertEqual([], do())
         self.remove("one")
         self.install("three")
         self.assertEqual(stages("2 folders, then 2", 1, 1), do())

@@ -3,6 +3,7 @@
 #include "PackageArguments.h"
 #include "Terminal.h"
 #include "UsageError.h"
+#include "shell/BuiltInFunctions.h"
 #include "shell/EditedLines.h"
 #include "shell/HistoryFile.h"
 #include "shell/Shell.h"
@@ -56,6 +57,9 @@ std::string ListCommands() {
     std::string list = "Commands:\n";
     for (const ShellCommand& command : GetShellCommands())
         list += fmt::format("  {} {}\n      {}\n", command.name, command.usage, command.summary);
+    list += "\nBuilt-in functions, called as Name('text', 2) with --json behind it for JSON:\n";
+    for (const BuiltInFunction& function : GetBuiltInFunctions())
+        list += fmt::format("  {}{}\n      {}\n", function.name, function.usage, function.summary);
     return list;
 }
 

@@ -42,6 +42,9 @@ then on is told, as
 with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left
 out of added names, 'after' of removed ones.
 
+With --packages, packages that some program installs, updates or removes are told, too:
+"put" and "taken" list the folders that came on the path and left it.
+
 Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 
 Examples:

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
-#include <cmath>
+#include <limits>
 
 namespace TolvexPath {
 namespace {
@@ -156,7 +156,7 @@ TEST(ArrayTextTest, ShowsArraysOfEveryKind) {
     check(MakeStringColumn({u"x", std::nullopt}), "x\n<missing>\n", "[\"x\",null]\n");
     check(MakeStringColumn({}), "", "[]\n");
     check(MakeNumericScalar(0.1), "0.1\n", "0.1\n");
-    check(MakeNumericScalar(-INFINITY), "-inf\n", "null\n");
+    check(MakeNumericScalar(-std::numeric_limits<double>::infinity()), "-inf\n", "null\n");
     check(MakeLogicalScalar(true), "true\n", "true\n");
     check(nullptr, "", "null\n");
 }

@@ -268,6 +268,24 @@ class OtherProcessTest(PackagesOnPathTest):
                           [["f", f"{newer}/f.kx", f"{a}/f.kx"]]], told())
         self.assertEqual((FOUND, b"", b""), watch.end(signal.SIGTERM))
 
+    def test_watch_tells_people_of_packages_and_of_folders_that_moved(self):
+        self.make("a/f.kx", "sources/tool-1.0.0/f.kx")
+        a, tool = self.plain("a", "sources/tool-1.0.0")
+        watch = self.start("watch", "-p", tool, "-p", "a", *QUIET)
+        self.assertEqual("watching 2 folders\n", watch.read_line().decode())
+        self.assertEqual(tool, self.install("tool", "--in-place"))
+        lines = [watch.read_line().decode()]
+        while not lines[-1].startswith("  ~ f"):
+            lines.append(watch.read_line().decode())
+        self.assertIn(f"  ~ f  {a}/f.kx, was {tool}/f.kx\n", lines)
+        self.assertTrue(any(line.endswith("  (moved on the path)\n") for line in lines), lines)
+        other = self.install("other")
+        self.assertEqual([f"{other}  (put on the path)\n", f"  + other  {other}/other.kx\n"],
+                         [watch.read_line().decode() for _ in range(2)])
+        self.remove("other")
+        self.assertEqual([f"{other}  (taken off the path)\n", f"  - other  was {other}/other.kx\n"],
+                         [watch.read_line().decode() for _ in range(2)])
+
     def test_two_processes_that_run_and_two_that_install(self):
         """A model of the store beside random changes of it; after each, two shells and a new process say the same."""
         chance = random.Random(SEED)

@@ -108,7 +108,7 @@ private:
 
     std::string TakeName(std::string_view what) {
         SkipBlanks();
-        const std::string name(ReadName(rest));
+        std::string name(ReadName(rest));
         if (name.empty())
             Refuse(fmt::format("{} is missing", what));
         rest.remove_prefix(name.size());

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace TolvexPath {
 
@@ -55,7 +56,8 @@ public:
     void Write(const ContentChanges& changes) override {
         for (const auto& folder : changes.folders)
             output.Write(ToDisplayText(GetStringFromIRI(folder->GetIRI())) + GetRemark(*folder, changes.names) + '\n');
-        WriteFolders(changes.put, "put on the path, or elsewhere on it");
+        WriteFolders(changes.put, "put on the path");
+        WriteFolders(changes.moved, "moved on the path");
         WriteFolders(changes.taken, "taken off the path");
         for (const NameChange& change : changes.names)
             output.Write(Describe(change));
@@ -98,10 +100,10 @@ public:
         JsonWriter json(output);
         BeginEvent(json, u"change");
         WriteFolders(json, "folders", changes.folders);
-        if (!changes.put.empty())
-            WriteFolders(json, "put", changes.put);
-        if (!changes.taken.empty())
-            WriteFolders(json, "taken", changes.taken);
+        for (const auto& [key, folders] :
+             {std::pair("put", &changes.put), std::pair("moved", &changes.moved), std::pair("taken", &changes.taken)})
+            if (!folders->empty())
+                WriteFolders(json, key, *folders);
         WriteNames(json, "added", changes.names, [](const NameChange& change) { return !change.before; });
         WriteNames(json, "removed", changes.names, [](const NameChange& change) { return !change.after; });
         WriteNames(json, "changed", changes.names,

@@ -106,8 +106,11 @@ bool IsSameFile(const std::optional<FoundItem>& a, const std::optional<FoundItem
 
 ContentChanges FindContentChanges(const PathManagement::PathChangeEvent& event, const Finder& before,
                                   const Finder& after) {
-    ContentChanges changes{.folders = {}, .put = *event.GetAdded(), .taken = *event.GetRemoved(), .names = {}};
-    changes.put.insert(changes.put.end(), event.GetReordered()->begin(), event.GetReordered()->end());
+    ContentChanges changes{.folders = {},
+                           .put = *event.GetAdded(),
+                           .moved = *event.GetReordered(),
+                           .taken = *event.GetRemoved(),
+                           .names = {}};
     Candidates candidates;
     for (std::size_t i = 0; i < event.GetRefreshedBefore()->size(); ++i) {
         const auto& entry = (*event.GetRefreshedAfter())[i];
@@ -115,7 +118,7 @@ ContentChanges FindContentChanges(const PathManagement::PathChangeEvent& event, 
         if (NameComparison(mainFolder, candidates).Compare({(*event.GetRefreshedBefore())[i]}, {entry}))
             changes.folders.push_back(entry);
     }
-    for (const auto* const folders : {&changes.put, &changes.taken})
+    for (const auto* const folders : {&changes.put, &changes.moved, &changes.taken})
         for (const auto& entry : *folders)
             static_cast<void>(NameComparison(entry->GetIRI(), candidates).Compare({}, {entry}));
     for (const auto& [name, asked] : candidates) {

@@ -18,9 +18,15 @@ struct NameChange {
 /// What a change of a path means for who asks it.
 struct ContentChanges {
     PathManagement::PathEntryVector folders; ///< main folders that hold other files or child folders than before
-    PathManagement::PathEntryVector put;     ///< that came on the path, or to another place of it
+    PathManagement::PathEntryVector put;     ///< that came on the path
+    PathManagement::PathEntryVector moved;   ///< to another place of it
     PathManagement::PathEntryVector taken;   ///< that left it
     std::vector<NameChange> names;           ///< that are answered differently, sorted
+
+    /// Whether anybody has to be told of anything.
+    [[nodiscard]] bool HoldAny() const noexcept {
+        return !folders.empty() || !put.empty() || !moved.empty() || !taken.empty();
+    }
 };
 
 /// `before` and `after` answer on the whole path. A file in a private or resources folder, which answers only to the

@@ -43,7 +43,8 @@ with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left
 out of added names, 'after' of removed ones.
 
 With --packages, packages that some program installs, updates or removes are told, too:
-"put" and "taken" list the folders that came on the path and left it.
+"put", "moved" and "taken" list the folders that came on the path, changed their place on
+it or left it.
 
 Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 
@@ -88,8 +89,7 @@ private:
         const Finder old = MakeFinder(std::exchange(before, nullptr));
         const Finder now = MakeFinder(event.GetManager().GetPath());
         const auto changes = FindContentChanges(event, old, now);
-        if (!changes.folders.empty() || !changes.put.empty() ||
-            !changes.taken.empty()) // else they were read anew to be on the safe side
+        if (changes.HoldAny()) // else they were read anew to be on the safe side
             writer.Write(changes);
     }
 

@@ -269,7 +269,8 @@ class OtherProcessTest(PackagesOnPathTest):
         self.assertEqual((FOUND, b"", b""), watch.end(signal.SIGTERM))
 
     def test_watch_tells_people_of_packages_and_of_folders_that_moved(self):
-        self.make("a/f.kx", "sources/tool-1.0.0/f.kx")
+        self.make("a/f.kx")
+        self.make_code_package("sources/tool-1.0.0", "tool")  # as it will be, so that only the installation is news
         a, tool = self.plain("a", "sources/tool-1.0.0")
         watch = self.start("watch", "-p", tool, "-p", "a", *QUIET)
         self.assertEqual("watching 2 folders\n", watch.read_line().decode())

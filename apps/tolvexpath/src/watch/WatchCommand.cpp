@@ -42,9 +42,9 @@ then on is told, as
 with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left
 out of added names, 'after' of removed ones.
 
-With --packages, packages that some program installs, updates or removes are told, too:
-"put", "moved" and "taken" list the folders that came on the path, changed their place on
-it or left it.
+With --packages, packages that some program installs, updates or removes are
+told, too: "put", "moved" and "taken" list the folders that came on the path,
+changed their place on it or left it.
 
 Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 

@@ -21,6 +21,7 @@ public:
     void EnterFolder(const Tolvex::AbsoluteIRI& folder);
 
     [[nodiscard]] PathManagement::IMainSearchPathManager& GetManager() const noexcept { return *manager; }
+    [[nodiscard]] Tolvex::EventMgr& GetEvents() const noexcept { return *events; }
 
     /// What was set, without the working folder.
     [[nodiscard]] std::shared_ptr<const PathManagement::IPath> GetStoredPath() const;

@@ -6,6 +6,7 @@
 #include "JsonWriter.h"
 #include "Output.h"
 #include "OutputFile.h"
+#include "PackageArguments.h"
 #include "PathCheck.h"
 #include "SearchOptions.h"
 #include "Session.h"
@@ -56,6 +57,7 @@ public:
 private:
     FolderArguments folders;
     CacheArguments cache;
+    PackageArguments packages;
     SearchOptions search;
     std::optional<std::string> page; // a file's name
     bool asJson = false;
@@ -115,6 +117,7 @@ void WritePage(const std::string& fileName, const PathCheck& check) {
 void CheckCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
     cache.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     search.DeclareRules(arguments);
     arguments.add_option("--html", page, "Write a page to look at in a browser, too")->type_name("FILE");
     arguments.add_flag("--json", asJson, "Write one JSON object");
@@ -125,8 +128,8 @@ ExitCode CheckCommand::Run() {
     const NameRules rules = search.GetNameRules();
     if (page)
         RequireReplaceable(*page);
-    const auto locations = folders.GetLocations();
-    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
+    const auto locations = packages.GetLocations(folders);
+    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder, packages.GetFolder());
     const Tolvex::Notification leftOut = cache.SetPath(session, locations);
     const PathCheck check = CheckPath(session.GetManager().GetPath(), locations, leftOut, rules);
     if (page)

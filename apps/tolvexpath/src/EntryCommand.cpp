@@ -7,6 +7,7 @@
 #include "JsonWriter.h"
 #include "Messages.h"
 #include "Output.h"
+#include "PackageArguments.h"
 #include "Terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -41,11 +42,14 @@ public:
     [[nodiscard]] ExitCode Run() override;
 
 private:
+    [[nodiscard]] PathEntryVector CreateEntries() const;
     void WriteJson(Output& output, const PathEntryVector& entries) const;
     void DrawTrees(Output& output, const PathEntryVector& entries) const;
 
     FolderArguments folders;
     CacheArguments cache;
+    PackageArguments packages;
+    bool hasFolders = false;
     bool asJson = false;
     bool withFiles = false;
 };
@@ -54,6 +58,7 @@ void EntryCommand::DeclareArguments(CLI::App& arguments) {
     const auto takeFolders = [this](const CLI::results_t& names) {
         for (const std::string& name : names)
             folders.AddFolder(name);
+        hasFolders = !names.empty();
         return true;
     };
     constexpr int anyNumber = CLI::detail::expected_max_vector_size;
@@ -68,11 +73,12 @@ void EntryCommand::DeclareArguments(CLI::App& arguments) {
     CLI::Option* const files = arguments.add_flag("-f,--files", withFiles, "List the files, too");
     arguments.add_flag("--json", asJson, "Write one JSON array with an object for each folder")->excludes(files);
     cache.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     arguments.footer(help);
 }
 
 ExitCode EntryCommand::Run() {
-    PathEntryVector entries = cache.CreateEntries(folders.GetLocations());
+    PathEntryVector entries = CreateEntries();
     Tolvex::Notification unreadable;
     TellUnreadableBelow(entries, unreadable);
     PrintMessages(unreadable);
@@ -84,6 +90,13 @@ ExitCode EntryCommand::Run() {
         DrawTrees(output, entries);
     output.Flush();
     return isComplete ? ExitCode::success : ExitCode::notFound;
+}
+
+/// Of the folders that are named as such, else of a path with its packages.
+PathEntryVector EntryCommand::CreateEntries() const {
+    if (hasFolders)
+        return cache.CreateEntries(folders.GetLocations());
+    return packages.CreateEntries(cache, packages.GetLocations(folders));
 }
 
 void EntryCommand::WriteJson(Output& output, const PathEntryVector& entries) const {

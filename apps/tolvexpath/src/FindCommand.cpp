@@ -8,6 +8,7 @@
 #include "FoundFiles.h"
 #include "Messages.h"
 #include "Output.h"
+#include "PackageArguments.h"
 #include "SearchOptions.h"
 #include "Terminal.h"
 #include "UsageError.h"
@@ -79,6 +80,7 @@ private:
 
     FolderArguments folders;
     CacheArguments cache;
+    PackageArguments packages;
     SearchOptions search;
     std::optional<std::string> name;    // as bytes
     std::optional<std::string> queries; // a file's name
@@ -97,6 +99,7 @@ void FindCommand::DeclareArguments(CLI::App& arguments) {
     CLI::Option* const nameOption = arguments.add_option("NAME", name, "What to look for")->type_name("");
     folders.DeclareOptions(arguments);
     cache.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     search.DeclareOptions(arguments);
     CLI::Option* const json = arguments.add_flag("--json", asJson, "Write a JSON array, or with --explain an object");
     CLI::Option* const zero =
@@ -132,7 +135,7 @@ ExitCode FindCommand::Run() {
 
 Finder FindCommand::MakeFinder() const {
     SearchDefaults defaults = search.GetDefaults();
-    auto entries = std::make_shared<PathEntryVector>(cache.CreateEntries(folders.GetLocations()));
+    auto entries = std::make_shared<PathEntryVector>(packages.CreateEntries(cache, packages.GetLocations(folders)));
     Tolvex::Notification wrongKinds;
     TellWrongKinds(*entries, wrongKinds);
     PrintMessages(wrongKinds);

@@ -1,5 +1,6 @@
 #include "FoldersOnPath.h"
 
+#include "foundation/components/PackageStore.h"
 #include "foundation/environment/StorageAccess.h"
 #include "path_utilities/PathText.h"
 #include "search_path/Accessors.h"
@@ -28,6 +29,20 @@ std::string GetRefusal(PathEntryType kind) {
     }
 }
 
+void TellWrongPackageFolder(const TolvexPackages::IPackageRegistry& registry,
+                            const Tolvex::CanonicalAbsoluteIRI& folder, Tolvex::Notification& problems) {
+    using PathManagement::GetStringFromIRI;
+    const auto owner = registry.FindPackageOfFolder(folder);
+    const auto package = owner ? registry.FindPackage(*owner) : nullptr;
+    if (package != nullptr && package->GetRootFolder() != folder)
+        problems.Add({"TOLVEX:tpath",
+                      "packageMemberFoldersNotAllowedOnPath",
+                      {GetStringFromIRI(folder), u"'" + TolvexPackages::GetPackageText(*owner) + u"'",
+                       GetStringFromIRI(package->GetRootFolder())}});
+    else if (package == nullptr && registry.IsFolderOfUninstalledPackage(folder))
+        problems.Add({"TOLVEX:tpath", "uninstalledPackagesNotAllowedOnPath", {GetStringFromIRI(folder)}});
+}
+
 } // namespace
 
 std::vector<FolderOnPath> DescribeFolders(const PathManagement::IPath& path) {
@@ -39,11 +54,17 @@ std::vector<FolderOnPath> DescribeFolders(const PathManagement::IPath& path) {
 }
 
 void TellWrongKinds(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems) {
-    for (const auto& entry : entries)
-        if (entry != nullptr && entry->GetPathEntryType() != PathEntryType::mainFolder)
+    const auto registry = TolvexPackages::GetPackageRegistrar().GetRegistry();
+    for (const auto& entry : entries) {
+        if (entry == nullptr)
+            continue;
+        if (entry->GetPathEntryType() == PathEntryType::mainFolder)
+            TellWrongPackageFolder(*registry, entry->GetIRI(), problems);
+        else
             problems.Add({"TOLVEX:tpath",
                           GetRefusal(entry->GetPathEntryType()),
                           {PathManagement::GetStringFromIRI(entry->GetIRI())}});
+    }
 }
 
 void TellUnreadableBelow(const PathManagement::PathEntryVector& entries, Tolvex::Notification& problems) {

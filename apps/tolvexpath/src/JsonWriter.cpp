@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
+
 namespace TolvexPath {
 
 namespace {
@@ -90,6 +92,14 @@ void JsonWriter::Number(std::uint64_t number) {
     Separate();
     const fmt::format_int digits(number);
     output.Write(std::string_view(digits.data(), digits.size()));
+    needsComma = true;
+}
+
+void JsonWriter::Real(double number) {
+    if (!std::isfinite(number))
+        return Null();
+    Separate();
+    output.Write(fmt::format("{}", number));
     needsComma = true;
 }
 

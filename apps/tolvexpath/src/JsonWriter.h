@@ -25,6 +25,8 @@ public:
 
     void String(Tolvex::ustring_view text);
     void Number(std::uint64_t number);
+    /// In as few digits as tell it apart; null when it is infinite or no number.
+    void Real(double number);
     void Boolean(bool value);
     void Null();
 

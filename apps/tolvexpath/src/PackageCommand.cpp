@@ -31,7 +31,8 @@ The id tells packages apart; make one with 'uuidgen' and keep it for all version
 
 Packages are installed in the folder that --packages names, else the environment
 variable TOLVEX_PACKAGES, else in 'tolvex/packages' in the user's data folder. Other
-programs may install there at the same time.
+programs may install there at the same time. Other commands put the
+packages on the path when their --packages, or the variable, names the folder.
 
 Examples:
   tolvexpath package install downloads/signals

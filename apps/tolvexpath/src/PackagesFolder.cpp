@@ -29,11 +29,16 @@ fs::path GetUserDataFolder() {
 } // namespace
 
 fs::path GetPackagesFolder(const std::string& named) {
+    const auto folder = FindPackagesFolder(named);
+    return folder ? *folder : GetUserDataFolder() / "tolvex" / "packages";
+}
+
+std::optional<fs::path> FindPackagesFolder(const std::string& named) {
     if (!named.empty())
         return fs::absolute(named);
     if (const std::string variable = GetVariable("TOLVEX_PACKAGES"); !variable.empty())
         return fs::absolute(variable);
-    return GetUserDataFolder() / "tolvex" / "packages";
+    return std::nullopt;
 }
 
 } // namespace TolvexPath

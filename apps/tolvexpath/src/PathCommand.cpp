@@ -7,6 +7,7 @@
 #include "KindNames.h"
 #include "Messages.h"
 #include "Output.h"
+#include "PackageArguments.h"
 #include "Session.h"
 
 #include "foundation/messages/Catalogue.h"
@@ -48,6 +49,7 @@ public:
 private:
     FolderArguments folders;
     CacheArguments cache;
+    PackageArguments packages;
     bool asJson = false;
 };
 
@@ -135,13 +137,14 @@ void ShowLeftOut(Output& output, const std::vector<LeftOut>& leftOut) {
 void PathCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
     cache.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     arguments.add_flag("--json", asJson, "Write one JSON object");
     arguments.footer(help);
 }
 
 ExitCode PathCommand::Run() {
-    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
-    const auto locations = folders.GetLocations();
+    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder, packages.GetFolder());
+    const auto locations = packages.GetLocations(folders);
     const Tolvex::Notification refused = cache.SetPath(session, locations);
     const std::vector<LeftOut> leftOut = CollectLeftOut(refused, locations, session.GetManager());
     const std::vector<FolderOnPath> onPath = DescribeFolders(*session.GetManager().GetPath());

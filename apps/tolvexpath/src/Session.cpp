@@ -3,40 +3,135 @@
 #include "Messages.h"
 #include "ProgressLine.h"
 
+#include "foundation/components/ComponentFeature.h"
+#include "foundation/environment/EngineScopeStore.h"
 #include "foundation/environment/StorageAccess.h"
 #include "foundation/observers/IFileFolderObserverFactory.h"
 #include "search_path/Accessors.h"
 #include "search_path/MainSearchPathManagerFactory.h"
+#include "search_path/PackagesOnPath.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
 namespace TolvexPath {
 
+using PathManagement::CurrentFolderPolicy;
+using Tolvex::AbsoluteIRI;
 using Tolvex::CanonicalAbsoluteIRI;
+using Tolvex::Notification;
 
-Session::Session(PathManagement::CurrentFolderPolicy policy)
-    : events(Tolvex::createEventMgr()), manager(PathManagement::CreateMainSearchPathManager(events, components)) {
-    manager->SetCurrentFolderPolicy(policy);
+namespace {
+
+auto ShowProgress() {
+    const PathManagement::IPathEntryFactory& factory = PathManagement::GetPathEntryFactory();
+    return ProgressLine([&factory] { return fmt::format("{} folders read", factory.GetCounters().foldersListed); });
 }
 
-Tolvex::Notification Session::SetPath(std::span<const Tolvex::AbsoluteIRI> locations) {
-    const PathManagement::IPathEntryFactory& factory = PathManagement::GetPathEntryFactory();
+/// Whether `folder` is the root folder of a package that asks to stand in front.
+bool BelongsInFront(const TolvexPackages::IPackageRegistry& registry, const CanonicalAbsoluteIRI& folder) {
+    const auto owner = registry.FindPackageOfFolder(folder);
+    const auto package = owner ? registry.FindPackage(*owner) : nullptr;
+    const auto* const position = package ? package->FindProperty(TolvexPackages::pathPositionProperty) : nullptr;
+    const auto* const text = position != nullptr ? std::get_if<Tolvex::ustring>(position) : nullptr;
+    return text != nullptr && *text == u"begin";
+}
+
+/// Switched on before the manager is made, which asks once.
+boost::shared_ptr<Tolvex::EventMgr> BeginHost(bool hasPackages) {
+    TolvexComponents::ComponentFeature::Set(hasPackages);
+    return Tolvex::createEventMgr();
+}
+
+} // namespace
+
+Session::Session(CurrentFolderPolicy policy, const std::optional<std::filesystem::path>& packagesFolder)
+    : events(BeginHost(packagesFolder.has_value())),
+      manager(PathManagement::CreateMainSearchPathManager(events, components)) {
+    manager->SetCurrentFolderPolicy(policy);
+    if (!packagesFolder)
+        return;
+    packages.emplace(*packagesFolder, *events);
+    PathManagement::InstallPackagesOnPathCoordinator(*events, *manager,
+                                                     [this](const Notification& report) { packageReport.Add(report); });
+    try {
+        const ProgressLine progress = ShowProgress();
+        AnnouncePackages();
+        firstPackageFolders = *manager->GetPathIRIs();
+    } catch (...) {
+        Tolvex::EngineScopeStore::End();
+        throw;
+    }
+}
+
+Session::~Session() {
+    if (packages)
+        Tolvex::EngineScopeStore::End(); // the coordinator refers to the session
+}
+
+Session::Locations Session::PlaceAmongPackages(std::span<const AbsoluteIRI> locations) const {
+    std::unordered_set<CanonicalAbsoluteIRI, Tolvex::IRIHash> named;
+    if (!firstPackageFolders.empty())
+        for (const AbsoluteIRI& location : locations)
+            named.emplace(location, u"");
+    const auto registry = TolvexPackages::GetPackageRegistrar().GetRegistry();
+    Locations front;
+    Locations behind(locations.begin(), locations.end());
+    for (const CanonicalAbsoluteIRI& folder : firstPackageFolders)
+        if (!named.contains(folder))
+            (BelongsInFront(*registry, folder) ? front : behind).push_back(folder);
+    front.insert(front.end(), behind.begin(), behind.end());
+    return front;
+}
+
+Notification Session::SetPath(std::span<const AbsoluteIRI> locations) {
     std::vector<CanonicalAbsoluteIRI> folders;
-    folders.reserve(locations.size());
-    for (const Tolvex::AbsoluteIRI& location : locations)
+    for (const AbsoluteIRI& location : PlaceAmongPackages(locations))
         folders.emplace_back(location, u"");
-    Tolvex::Notification problems;
-    const ProgressLine progress(
-        [&factory] { return fmt::format("{} folders read", factory.GetCounters().foldersListed); });
+    Notification problems = TakePackageReport();
+    const ProgressLine progress = ShowProgress();
     manager->SetPathEntries(PathManagement::CanonicalIRIRange(folders), problems);
     return problems;
 }
 
 void Session::Refresh(PathManagement::RefreshType type) {
+    if (packages)
+        AnnouncePackages();
     manager->RefreshPath(type);
     auto& observers = Tolvex::GetFileFolderObserverFactory(TolvexStorageSystem::GetStorageSystemReference());
     if (const std::string warning = observers.takeChangeHandleWarning(); !warning.empty())
         PrintMessage(warning);
+}
+
+void Session::FollowPackages() {
+    if (!packages || !packages->MayHaveChanged())
+        return;
+    try {
+        AnnouncePackages();
+    } catch (const TolvexPackages::PackageError& error) {
+        ReportUnreadPackages(error.GetProblem());
+    } catch (const std::filesystem::filesystem_error& error) {
+        ReportUnreadPackages({error.path1().native(), 0, error.code().message()});
+    }
+}
+
+/// Once, however often the same is met.
+void Session::ReportUnreadPackages(const TolvexPackages::PackageProblem& problem) {
+    if (problem != unreadPackages)
+        packageReport.Add(MakePackageMessage("packagesNotRead", problem));
+    unreadPackages = problem;
+}
+
+void Session::AnnouncePackages() {
+    packageReport.Add(packages->Announce());
+    unreadPackages.reset();
+}
+
+Notification Session::TakePackageReport() {
+    return std::exchange(packageReport, Notification());
 }
 
 } // namespace TolvexPath

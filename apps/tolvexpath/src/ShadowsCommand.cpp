@@ -6,6 +6,7 @@
 #include "Messages.h"
 #include "NamesOnPath.h"
 #include "Output.h"
+#include "PackageArguments.h"
 #include "SearchOptions.h"
 #include "Session.h"
 
@@ -51,6 +52,7 @@ public:
 private:
     FolderArguments folders;
     CacheArguments cache;
+    PackageArguments packages;
     SearchOptions search;
     bool withForms = false;
     bool asJson = false;
@@ -96,6 +98,7 @@ void Show(Output& output, const std::vector<NameConflict>& conflicts) {
 void ShadowsCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
     cache.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     search.DeclareRules(arguments);
     arguments.add_flag("--forms", withForms, "Count the forms of one thing in one folder, too");
     arguments.add_flag("--json", asJson, "Write a JSON array");
@@ -105,8 +108,8 @@ void ShadowsCommand::DeclareArguments(CLI::App& arguments) {
 ExitCode ShadowsCommand::Run() {
     NameRules rules = search.GetNameRules();
     rules.countsOtherForms = withForms;
-    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
-    PrintMessages(cache.SetPath(session, folders.GetLocations()));
+    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder, packages.GetFolder());
+    PrintMessages(cache.SetPath(session, packages.GetLocations(folders)));
     const auto conflicts = NamesOnPath(*session.GetManager().GetPath(), std::move(rules)).FindConflicts();
     Output output;
     if (asJson)

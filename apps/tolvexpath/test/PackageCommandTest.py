@@ -7,29 +7,14 @@ import signal
 import subprocess
 import threading
 import unittest
-import uuid
 
 import program
-from program import FAILURE, FOUND, NOT_FOUND, FolderTest, run
+from program import FAILURE, FOUND, NOT_FOUND, PackageTest, run
 
 SEED = int(os.environ.get("TOLVEXPATH_SEED", random.randrange(10**6)))
 
 
-class PackageCommandTest(FolderTest):
-    def make_package(self, folder, name, version="1.0.0", files=1, **changes):
-        """A package whose files all hold its name and version."""
-        os.makedirs(self.path(folder + "/lib"), exist_ok=True)
-        manifest = {"name": name, "version": version, "id": str(uuid.uuid5(uuid.NAMESPACE_DNS, name)), "folders": [".", "lib"]}
-        with open(self.path(folder + "/package.json"), "w", encoding="utf-8") as file:
-            json.dump({**manifest, **changes}, file, indent=1)
-        for number in range(files):
-            with open(self.path(f"{folder}/lib/f{number}.kx"), "w", encoding="utf-8") as file:
-                file.write(f"{name}@{version}")
-        return folder
-
-    def package(self, *arguments, **options):
-        return self.run_here("package", *arguments, "--packages", "store", **options)
-
+class PackageCommandTest(PackageTest):
     def names(self):
         listed = self.package("list", "--json")
         self.assertEqual(FOUND, listed.code, listed.err)

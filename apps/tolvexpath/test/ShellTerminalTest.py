@@ -56,6 +56,11 @@ class ShellTerminalTest(FolderTest):
         self.assert_answers(program, b"memento save 'my path'", rb"\n")
         self.assert_answers(program, b"memento restore m\t", rb"\n")
         self.assert_answers(program, b"memento list", rb"my path  2 folders\r\n")
+        self.assert_answers(program, b"FeatureR\t'n\t)", rb"TimecheckDir\r\n")
+        self.assert_answers(program, b"FeatureRemotePathPolicy(\"sta\t) --json", rb"\"None\"\r\n")
+        program.type(b"Feat\tCachePath(\t\t")
+        program.wait_for(rb"'drop'\r\n'load'\r\n'status'\r\n'write'\r\n")
+        self.assert_answers(program, b"\x03help Hid\t", rb"The one name of|one name of")
         self.end(program)
 
     def test_keys(self):

@@ -1,9 +1,14 @@
 """The shell's commands by scripts: each with what it shows, what it tells and whether it failed."""
 
+import json
 import os
 import unittest
 
 from program import FAILURE, FOUND, NOT_FOUND, FolderTest, Running, environment, run
+
+
+FUNCTIONS = ("FeatureRemotePathPolicy", "FeatureDirChangeHandleWarn", "HiddenCanonicalizepath", "FeatureCachePath",
+             "FeatureDumpMainSearchPath", "GetPathForPackagesInstalledAfter")
 
 
 class ShellTest(FolderTest):
@@ -168,9 +173,70 @@ class ShellTest(FolderTest):
             ("events maybe", "events: 'maybe' is neither 'on' nor 'off'"),
             ("help sett", "help: 'sett' is no command"),
             ("quit now", "quit: 'now' is too much"),
-            ("Feature('status')", "there is no built-in function 'Feature'"),
+            ("Feature('status')", f"there is no built-in function 'Feature', only {', '.join(FUNCTIONS)}"),
+            ("featureremotepathpolicy('status')",
+             f"there is no built-in function 'featureremotepathpolicy', only {', '.join(FUNCTIONS)}"),
+            ("FeatureCachePath", "'FeatureCachePath' is a built-in function; write FeatureCachePath(...)"),
+            ("FeatureCachePath(status)",
+             "'status' is no input: texts need quotes, else it has to be a number, true or false"),
         ):
             self.assert_fails(line, message)
+
+    def test_built_in_functions_answer(self):
+        here = "here"
+        for lines, expected in (
+            (["FeatureRemotePathPolicy('status')"] * 2, ["TimecheckDir"] * 2),
+            (["FeatureRemotePathPolicy('none')", "FeatureRemotePathPolicy(\"RELOAD\") --json", "FeatureRemotePathPolicy('Status')"],
+             ["TimecheckDir", '"None"', "Reload"]),
+            (["[before] = FeatureDirChangeHandleWarn('never')", "[before] = FeatureDirChangeHandleWarn('status') --json"],
+             ["before:", "  once", '{"before":"never"}']),
+            (["cd \"../it's\"", "HiddenCanonicalizepath('../it''s/i.kx')", "HiddenCanonicalizepath(\"../b/./g.kx\")"],
+             ["it's/i.kx", "b/g.kx"]),
+        ):
+            self.assert_shown(lines, expected)
+        _, shown, _ = self.run_script("set ../a", "FeatureDumpMainSearchPath()", "FeatureDumpMainSearchPath() --json")
+        self.assertIn("search path: 2 main folders, 1 set by the user", shown)
+        self.assertEqual(shown[:-1], json.loads(shown[-1]).splitlines())
+        self.assertIn(f"working folder: {here}", shown)
+
+    def test_the_path_cache_of_the_installation(self):
+        variables = environment(XDG_CACHE_HOME=os.fsdecode(self.path("caches")), TOLVEX_ROOT=os.fsdecode(self.path("a")))
+        code, shown, errors = self.run_script(
+            "set ../a", "FeatureCachePath('write', 'cache.xml')", "FeatureCachePath('load', 'cache.xml')",
+            "FeatureCachePath('status')", "FeatureCachePath('drop')", "FeatureCachePath('load', 'none.xml')", env=variables)
+        self.assertEqual((NOT_FOUND, ["here/cache.xml", "here/cache.xml"], "here/cache.xml"), (code, shown[:2], shown[-1]))
+        self.assertIn("loaded: here/cache.xml", shown)
+        self.assertIn("line 6: FeatureCachePath: TOLVEX:CachePath:FailedToLoad: The path cache 'here/none.xml'", errors[0])
+
+    def test_an_error_of_a_built_in_function_changes_nothing(self):
+        settings = ["FeatureRemotePathPolicy('status')", "FeatureDirChangeHandleWarn('status')", "FeatureCachePath('status')", "show"]
+        before = ["FeatureRemotePathPolicy('none')", "FeatureDirChangeHandleWarn('always')", "set ../a ../b"]
+        first = self.run_script(*before, *settings)[1]
+        for call, identifier in (
+            ("FeatureRemotePathPolicy('reloa')", "TOLVEX:RemotePolicy:UnknownPolicy"),
+            ("FeatureRemotePathPolicy(0)", "TOLVEX:RemotePolicy:UnknownPolicy"),
+            ("FeatureRemotePathPolicy('reload', 'none')", "TOLVEX:arguments:maxrhs"),
+            ("FeatureRemotePathPolicy()", "TOLVEX:arguments:minrhs"),
+            ("[a, b] = FeatureRemotePathPolicy('reload')", "TOLVEX:arguments:maxlhs"),
+            ("FeatureDirChangeHandleWarn()", "TOLVEX:ChangeHandleWarning:notEnoughInputs"),
+            ("FeatureDirChangeHandleWarn(true)", "TOLVEX:ChangeHandleWarning:InvalidOption"),
+            ("HiddenCanonicalizepath(1)", "TOLVEX:string:MustBeStringScalarOrCharacterVector"),
+            ("HiddenCanonicalizepath('')", "TOLVEX:tpath:invalidLocation"),
+            ("FeatureCachePath('read')", "TOLVEX:CachePath:InvalidOption"),
+            ("FeatureCachePath('load', 1)", "TOLVEX:CachePath:InvalidFile"),
+            ("GetPathForPackagesInstalledAfter(0)", "TOLVEX:tpath:TPMFeatureOff"),
+        ):
+            code, shown, errors = self.run_script(*before, call, *settings)
+            self.assertEqual((NOT_FOUND, first), (code, shown), call)
+            name = call.split("(")[0].split(" ")[-1]
+            self.assertTrue(errors[0].startswith(f"tolvexpath: the standard input, line 4: {name}: {identifier}: "), errors)
+        self.assertEqual(NOT_FOUND, self.run_script("FeatureCachePath('x')", "show", arguments=["--stop"])[0])
+
+    def test_help_about_built_in_functions(self):
+        code, shown, _ = self.run_script("help", *(f"help {name}" for name in FUNCTIONS))
+        self.assertEqual(FOUND, code)
+        for name in FUNCTIONS:
+            self.assertEqual(2, sum(line.startswith(name) for line in shown), name)
 
     def test_a_failure_ends_a_script_when_that_is_wanted(self):
         lines = ["find none", "find k"]

@@ -9,9 +9,11 @@ import subprocess
 import tempfile
 import termios
 import unittest
+import uuid
 
 PROGRAM = os.environ["TOLVEXPATH_PROGRAM"]
-os.environ.pop("TOLVEXPATH", None)  # the default path of whoever runs the tests
+for setting in ("TOLVEXPATH", "TOLVEX_PACKAGES"):  # of whoever runs the tests
+    os.environ.pop(setting, None)
 FOUND, NOT_FOUND, FAILURE = 0, 1, 2
 
 
@@ -179,3 +181,21 @@ class FolderTest(unittest.TestCase):
         if not result.out and not result.err:
             self.skipTest("the program cannot be run by others here")
         return result
+
+
+class PackageTest(FolderTest):
+    """A test with packages, and a folder "store" to install them in."""
+
+    def make_package(self, folder, name, version="1.0.0", files=1, **changes):
+        """A package whose files all hold its name and version."""
+        os.makedirs(self.path(folder + "/lib"), exist_ok=True)
+        manifest = {"name": name, "version": version, "id": str(uuid.uuid5(uuid.NAMESPACE_DNS, name)), "folders": [".", "lib"]}
+        with open(self.path(folder + "/package.json"), "w", encoding="utf-8") as file:
+            json.dump({**manifest, **changes}, file, indent=1)
+        for number in range(files):
+            with open(self.path(f"{folder}/lib/f{number}.kx"), "w", encoding="utf-8") as file:
+                file.write(f"{name}@{version}")
+        return folder
+
+    def package(self, *arguments, **options):
+        return self.run_here("package", *arguments, "--packages", "store", **options)

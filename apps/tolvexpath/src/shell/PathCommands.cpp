@@ -137,7 +137,9 @@ bool Refresh(ShellContext& context, ShellArguments& arguments) {
     const RefreshType type = what == "all"       ? RefreshType::markEverything
                              : what == "current" ? RefreshType::markCurrentFolder
                                                  : RefreshType::knownChanges;
-    return context.Alter([&](auto&) { context.GetSession().Refresh(type); });
+    const bool isDone = context.Alter([&](auto&) { context.GetSession().Refresh(type); });
+    context.Report(context.GetSession().TakePackageReport());
+    return isDone;
 }
 
 bool Show(ShellContext& context, ShellArguments& arguments) {

@@ -1,7 +1,9 @@
 #include "Commands.h"
 #include "FolderArguments.h"
+#include "PackageArguments.h"
 #include "Terminal.h"
 #include "UsageError.h"
+#include "shell/BuiltInFunctions.h"
 #include "shell/EditedLines.h"
 #include "shell/HistoryFile.h"
 #include "shell/Shell.h"
@@ -46,6 +48,7 @@ private:
     [[nodiscard]] ExitCode Converse(ShellContext& context) const;
 
     FolderArguments folders;
+    PackageArguments packages;
     bool stopsAtFailure = false;
     bool keepsNoHistory = false;
 };
@@ -54,11 +57,15 @@ std::string ListCommands() {
     std::string list = "Commands:\n";
     for (const ShellCommand& command : GetShellCommands())
         list += fmt::format("  {} {}\n      {}\n", command.name, command.usage, command.summary);
+    list += "\nBuilt-in functions, called as Name('text', 2) with --json behind it for JSON:\n";
+    for (const BuiltInFunction& function : GetBuiltInFunctions())
+        list += fmt::format("  {}{}\n      {}\n", function.name, function.usage, function.summary);
     return list;
 }
 
 void RunShellCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
+    packages.DeclareOptions(arguments);
     arguments.add_flag("--stop", stopsAtFailure, "End a script at the first command that fails");
     arguments.add_flag("--no-history", keepsNoHistory, "Neither read nor write what was typed in at other times");
     arguments.footer(ListCommands() + help);
@@ -67,7 +74,7 @@ void RunShellCommand::DeclareArguments(CLI::App& arguments) {
 ExitCode RunShellCommand::Run() {
     if (folders.ReadsStandardInput())
         throw UsageError("the standard input cannot be both the list of folders and the commands");
-    ShellContext context(PathManagement::CurrentFolderPolicy::trackWorkingFolder);
+    ShellContext context(PathManagement::CurrentFolderPolicy::trackWorkingFolder, packages.GetFolder());
     const bool isPathWhole = SetFirstPath(context);
     if (IsTerminal(StandardChannel::input) && IsTerminal(StandardChannel::output))
         return Converse(context);
@@ -77,12 +84,11 @@ ExitCode RunShellCommand::Run() {
 }
 
 bool RunShellCommand::SetFirstPath(ShellContext& context) const {
+    context.Report(context.GetSession().TakePackageReport()); // an unusable package is no failure of the script
     if (!folders.NamesFolders())
         return true;
-    ShellContext::IRIs locations;
-    for (const Tolvex::AbsoluteIRI& location : folders.GetLocations())
-        locations.emplace_back(location, u"");
-    return context.SetFolders(locations);
+    const auto locations = folders.GetLocations();
+    return context.Alter([&](Tolvex::Notification& problems) { problems = context.GetSession().SetPath(locations); });
 }
 
 ExitCode RunShellCommand::Converse(ShellContext& context) const {

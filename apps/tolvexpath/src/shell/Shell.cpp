@@ -1,6 +1,8 @@
 #include "shell/Shell.h"
 
 #include "UsageError.h"
+#include "shell/BuiltInCall.h"
+#include "shell/BuiltInFunctions.h"
 #include "shell/ShellCommand.h"
 #include "shell/Words.h"
 
@@ -26,6 +28,7 @@ bool Shell::Run(LineSource& lines, bool stopsAtFailure) {
 /// A line that fails ends nothing but itself, unless the output fails.
 bool Shell::Execute(std::string_view line) {
     try {
+        context.FollowPackages();
         return ExecuteWords(line);
     } catch (const std::system_error&) {
         throw;
@@ -36,14 +39,16 @@ bool Shell::Execute(std::string_view line) {
 }
 
 bool Shell::ExecuteWords(std::string_view line) {
-    if (const auto called = GetCalledName(line))
-        throw UsageError(fmt::format("there is no built-in function '{}'", *called));
+    if (IsBuiltInCall(line))
+        return CallBuiltInFunction(context, line);
     std::vector<std::string> words = SplitWords(line);
     if (words.empty())
         return true;
     const ShellCommand* const command = FindShellCommand(words.front());
     if (command == nullptr)
-        throw UsageError(fmt::format("'{}' is no command; 'help' lists what there is", words.front()));
+        throw UsageError(FindBuiltInFunction(words.front()) != nullptr
+                             ? fmt::format("'{0}' is a built-in function; write {0}(...)", words.front())
+                             : fmt::format("'{}' is no command; 'help' lists what there is", words.front()));
     words.erase(words.begin());
     ShellArguments arguments(std::move(words));
     try {

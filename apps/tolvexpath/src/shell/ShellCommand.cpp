@@ -1,6 +1,7 @@
 #include "shell/ShellCommand.h"
 
 #include "UsageError.h"
+#include "shell/BuiltInFunctions.h"
 #include "shell/ShellContext.h"
 
 #include <fmt/format.h>
@@ -46,13 +47,23 @@ constexpr auto commands = std::to_array<ShellCommand>({
      MementoCommands::Memento},
     {"events", "on|off", "Tell of each change of the path in its three stages", "", Completion::nothing, "on off",
      LookCommands::Events},
-    {"help", "[COMMAND]", "Show what there is, or how one command is used", "", Completion::commands, "", Help},
+    {"help", "[COMMAND|FUNCTION]", "Show what there is, or how one command or function is used", "",
+     Completion::commands, "", Help},
     {"quit", "", "End the shell", "", Completion::nothing, "", Quit},
 });
 
 constexpr std::string_view quotingRules =
     "\nWords are separated by blanks. '...' takes everything as it is, \"...\" everything but \\\" and\n"
-    "\\\\, a backslash elsewhere takes the character behind it as it is. # begins a comment.\n";
+    "\\\\, a backslash elsewhere takes the character behind it as it is. # begins a comment.\n"
+    "Built-in functions are called as Name('text', 2, true) or [a, b] = Name(...); --json behind it\n"
+    "shows what they give as JSON. Quotes inside a text are written twice.\n";
+
+/// `subject` is a command or a built-in function.
+void Explain(Output& output, std::string_view usage, const auto& subject) {
+    output.Write(fmt::format("{}\n{}.\n", usage, subject.summary));
+    if (!subject.details.empty())
+        output.Write(fmt::format("{}\n", subject.details));
+}
 
 bool Help(ShellContext& context, ShellArguments& arguments) {
     const auto name = arguments.TakeOptional();
@@ -61,16 +72,19 @@ bool Help(ShellContext& context, ShellArguments& arguments) {
     if (!name) {
         for (const ShellCommand& command : commands)
             output.Write(fmt::format("{:<9} {}\n", command.name, command.summary));
+        output.Write("\nBuilt-in functions:\n");
+        for (const BuiltInFunction& function : GetBuiltInFunctions())
+            output.Write(fmt::format("{:<32} {}\n", function.name, function.summary));
         output.Write(quotingRules);
         return true;
     }
-    const ShellCommand* const command = FindShellCommand(*name);
-    if (command == nullptr)
+    if (const ShellCommand* const command = FindShellCommand(*name))
+        Explain(output, fmt::format("{}{}{}", command->name, command->usage.empty() ? "" : " ", command->usage),
+                *command);
+    else if (const BuiltInFunction* const function = FindBuiltInFunction(*name))
+        Explain(output, fmt::format("{}{}", function->name, function->usage), *function);
+    else
         throw UsageError(fmt::format("'{}' is no command", *name));
-    output.Write(fmt::format("{}{}{}\n{}.\n", command->name, command->usage.empty() ? "" : " ", command->usage,
-                             command->summary));
-    if (!command->details.empty())
-        output.Write(fmt::format("{}\n", command->details));
     return true;
 }
 

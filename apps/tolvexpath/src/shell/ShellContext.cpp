@@ -23,13 +23,22 @@ void ShellContext::Report(std::string_view text) const {
     PrintMessage(fmt::format("{}{}{}", place, place.empty() ? "" : ": ", text));
 }
 
-bool ShellContext::Alter(const std::function<void(Tolvex::Notification&)>& change) {
-    const Tolvex::Notification problems = AlterPath(change);
+void ShellContext::Report(const Tolvex::Notification& problems) const {
     problems.ForEach([this](const Tolvex::Notification::Entry& problem) {
         Report(Tolvex::GetMessageText(problem.message));
         return false;
     });
+}
+
+bool ShellContext::Alter(const std::function<void(Tolvex::Notification&)>& change) {
+    const Tolvex::Notification problems = AlterPath(change);
+    Report(problems);
     return problems.IsEmpty();
+}
+
+void ShellContext::FollowPackages() {
+    session.FollowPackages();
+    Report(session.TakePackageReport());
 }
 
 bool ShellContext::SetFolders(const IRIs& folders) {

@@ -17,7 +17,9 @@ class ShellContext {
 public:
     using IRIs = PathManagement::IMainSearchPathManager::IRIs;
 
-    explicit ShellContext(PathManagement::CurrentFolderPolicy policy) : session(policy) {}
+    /// `packagesFolder` as for Session.
+    ShellContext(PathManagement::CurrentFolderPolicy policy, const std::optional<std::filesystem::path>& packagesFolder)
+        : session(policy, packagesFolder) {}
 
     [[nodiscard]] Session& GetSession() noexcept { return session; }
     [[nodiscard]] PathManagement::IMainSearchPathManager& GetManager() noexcept { return session.GetManager(); }
@@ -28,6 +30,7 @@ public:
 
     /// Tells people on the standard error output what went wrong, and where they told it to.
     void Report(std::string_view text) const;
+    void Report(const Tolvex::Notification& problems) const;
     /// Where the present line comes from, as messages give it; empty for what was just typed in.
     void SetPlace(std::string newPlace) { place = std::move(newPlace); }
 
@@ -35,6 +38,9 @@ public:
     [[nodiscard]] bool Alter(const std::function<void(Tolvex::Notification&)>& change);
     /// Sets the folders of the path by Alter.
     [[nodiscard]] bool SetFolders(const IRIs& folders);
+
+    /// Takes over what other processes have done to the installed packages, and reports what that did to the path.
+    void FollowPackages();
 
     void End() noexcept { ended = true; }
     [[nodiscard]] bool IsEnded() const noexcept { return ended; }

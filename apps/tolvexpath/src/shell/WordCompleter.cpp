@@ -1,9 +1,12 @@
 #include "shell/WordCompleter.h"
 
+#include "shell/BuiltInCall.h"
+#include "shell/BuiltInFunctions.h"
 #include "shell/ShellCommand.h"
 #include "shell/ShellContext.h"
 #include "shell/Words.h"
 
+#include "foundation/text/CaseFolding.h"
 #include "path_utilities/PathText.h"
 
 #include <algorithm>
@@ -32,6 +35,25 @@ void AddCommands(WordCompletions& completions, std::string_view word) {
         AddIfItBegins(completions, word, std::string(command.name));
 }
 
+void AddFunctions(WordCompletions& completions, std::string_view word, std::string_view end) {
+    for (const BuiltInFunction& function : GetBuiltInFunctions())
+        AddIfItBegins(completions, word, std::string(function.name).append(end), !end.empty());
+}
+
+/// The options of the function that is being called, whatever the case of what was typed in.
+WordCompletions CompleteInput(const OpenCall& call) {
+    WordCompletions completions{.start = call.inputStart, .candidates = {}, .isQuoted = true};
+    const char quote = call.quote == 0 ? '\'' : call.quote;
+    const BuiltInFunction* const function = FindBuiltInFunction(call.name);
+    std::istringstream options{std::string(function == nullptr ? "" : function->options)};
+    for (std::string option; options >> option;)
+        if (Tolvex::EqualIgnoringCase(Tolvex::FromUtf8(option.substr(0, call.text.size())),
+                                      Tolvex::FromUtf8(call.text)))
+            completions.candidates.push_back({quote + option + quote});
+    std::ranges::sort(completions.candidates, {}, &Candidate::word);
+    return completions;
+}
+
 /// Folders on the disk; hidden ones when the word begins with their dot.
 void AddFolders(WordCompletions& completions, const std::string& word) {
     namespace fs = std::filesystem;
@@ -52,14 +74,18 @@ void AddFolders(WordCompletions& completions, const std::string& word) {
 } // namespace
 
 WordCompletions WordCompleter::Complete(std::string_view line) const {
+    if (const auto call = ReadOpenCall(line))
+        return CompleteInput(*call);
     const LineWords read = ReadWords(line);
     WordCompletions completions;
     completions.start = read.endsInside ? read.lastStart : line.size();
     const std::string word = read.endsInside ? read.words.back() : "";
-    if (read.words.size() == (read.endsInside ? 1 : 0))
+    if (read.words.size() == (read.endsInside ? 1 : 0)) {
         AddCommands(completions, word);
-    else if (const ShellCommand* const command = FindShellCommand(read.words.front()))
+        AddFunctions(completions, word, "(");
+    } else if (const ShellCommand* const command = FindShellCommand(read.words.front())) {
         AddArguments(completions, *command, word);
+    }
     std::ranges::sort(completions.candidates, {}, &Candidate::word);
     return completions;
 }
@@ -74,7 +100,8 @@ void WordCompleter::AddArguments(WordCompletions& completions, const ShellComman
     case Completion::nothing:
         return;
     case Completion::commands:
-        return AddCommands(completions, word);
+        AddCommands(completions, word);
+        return AddFunctions(completions, word, "");
     case Completion::folders:
         return AddFolders(completions, word);
     case Completion::pathFolders:

@@ -18,6 +18,7 @@ struct WordCompletions {
     };
     std::size_t start = 0;             ///< of the word on the line, with its quotes
     std::vector<Candidate> candidates; ///< sorted
+    bool isQuoted = false;             ///< the candidates stand on the line as they are
 };
 
 /// Completes commands, what belongs to them, folders and names on the path.

@@ -115,11 +115,15 @@ std::string QuoteWord(std::string_view text) {
     return quoted.empty() ? "''" : quoted;
 }
 
+std::string_view ReadName(std::string_view text) {
+    const auto end = std::ranges::find_if_not(text, [](char c) { return IsLetter(c) || IsDigit(c); });
+    return text.empty() || IsDigit(text.front()) ? "" : text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
 std::optional<std::string_view> GetCalledName(std::string_view line) {
     line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
-    const auto end = std::ranges::find_if_not(line, [](char c) { return IsLetter(c) || IsDigit(c); });
-    const std::string_view name = line.substr(0, static_cast<std::size_t>(end - line.begin()));
-    if (name.empty() || IsDigit(name.front()) || end == line.end() || *end != '(')
+    const std::string_view name = ReadName(line);
+    if (name.empty() || !line.substr(name.size()).starts_with('('))
         return std::nullopt;
     return name;
 }

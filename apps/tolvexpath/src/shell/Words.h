@@ -25,6 +25,9 @@ struct LineWords {
 /// `text` as a word, or the beginning of one, that reads as `text`.
 [[nodiscard]] std::string QuoteWord(std::string_view text);
 
+/// The letters, digits and underscores at the front of a text, if the first is no digit.
+[[nodiscard]] std::string_view ReadName(std::string_view text);
+
 /// The name in front of the bracket where a line is a call, as in "Name('option')"; no value for any other line.
 [[nodiscard]] std::optional<std::string_view> GetCalledName(std::string_view line);
 

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace TolvexPath {
 
@@ -55,12 +56,20 @@ public:
     void Write(const ContentChanges& changes) override {
         for (const auto& folder : changes.folders)
             output.Write(ToDisplayText(GetStringFromIRI(folder->GetIRI())) + GetRemark(*folder, changes.names) + '\n');
+        WriteFolders(changes.put, "put on the path");
+        WriteFolders(changes.moved, "moved on the path");
+        WriteFolders(changes.taken, "taken off the path");
         for (const NameChange& change : changes.names)
             output.Write(Describe(change));
         output.Flush();
     }
 
 private:
+    void WriteFolders(const PathManagement::PathEntryVector& folders, std::string_view remark) const {
+        for (const auto& folder : folders)
+            output.Write(fmt::format("{}  ({})\n", ToDisplayText(GetStringFromIRI(folder->GetIRI())), remark));
+    }
+
     static std::string Describe(const NameChange& change) {
         const std::string name = ToDisplayText(change.name);
         if (!change.after)
@@ -90,11 +99,11 @@ public:
     void Write(const ContentChanges& changes) override {
         JsonWriter json(output);
         BeginEvent(json, u"change");
-        json.Key("folders");
-        json.BeginArray();
-        for (const auto& folder : changes.folders)
-            json.String(GetStringFromIRI(folder->GetIRI()));
-        json.EndArray();
+        WriteFolders(json, "folders", changes.folders);
+        for (const auto& [key, folders] :
+             {std::pair("put", &changes.put), std::pair("moved", &changes.moved), std::pair("taken", &changes.taken)})
+            if (!folders->empty())
+                WriteFolders(json, key, *folders);
         WriteNames(json, "added", changes.names, [](const NameChange& change) { return !change.before; });
         WriteNames(json, "removed", changes.names, [](const NameChange& change) { return !change.after; });
         WriteNames(json, "changed", changes.names,
@@ -113,6 +122,14 @@ private:
         json.EndObject();
         output.Write('\n');
         output.Flush();
+    }
+
+    static void WriteFolders(JsonWriter& json, const char* key, const PathManagement::PathEntryVector& folders) {
+        json.Key(key);
+        json.BeginArray();
+        for (const auto& folder : folders)
+            json.String(GetStringFromIRI(folder->GetIRI()));
+        json.EndArray();
     }
 
     static void WriteNames(JsonWriter& json, const char* key, const std::vector<NameChange>& changes,

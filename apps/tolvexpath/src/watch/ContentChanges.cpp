@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <tuple>
+#include <utility>
 
 namespace TolvexPath {
 
@@ -49,17 +50,16 @@ Prefix MakePrefix(const IPathEntry& entry, const Tolvex::AbsoluteIRI& mainFolder
     return {ustring(GetLastName(mainFolder.getPath())) + u'/' + below, ustring(path.substr(1)) + u'/'};
 }
 
-/// Gathers the names of files that come or go between two states of one main folder.
+/// Gathers the names of files that come or go between two states of one main folder; either may be missing.
 class NameComparison {
 public:
-    NameComparison(const Tolvex::AbsoluteIRI& mainFolder, Candidates& candidates)
-        : mainFolder(mainFolder), candidates(candidates) {}
+    NameComparison(Tolvex::AbsoluteIRI mainFolder, Candidates& candidates)
+        : mainFolder(std::move(mainFolder)), candidates(candidates) {}
 
     /// Whether anything differs.
-    [[nodiscard]] bool Compare(const std::shared_ptr<const IPathEntry>& before,
-                               const std::shared_ptr<const IPathEntry>& after) {
+    [[nodiscard]] bool Compare(const PathEntryVector& before, const PathEntryVector& after) {
         PathManagement::PathEntryVectorDifferentiator difference;
-        difference.Compare({before}, {after}, PathManagement::ComparisonFilter::withDescendants);
+        difference.Compare(before, after, PathManagement::ComparisonFilter::withDescendants);
         for (const auto& entries : {difference.GetAdded(), difference.GetRemoved()})
             for (const auto& entry : *entries)
                 Add(*entry, *entry->GetPathItems());
@@ -86,7 +86,7 @@ private:
         }
     }
 
-    const Tolvex::AbsoluteIRI& mainFolder;
+    const Tolvex::AbsoluteIRI mainFolder;
     Candidates& candidates;
     bool hasFoundAny = false;
 };
@@ -104,15 +104,23 @@ bool IsSameFile(const std::optional<FoundItem>& a, const std::optional<FoundItem
 
 } // namespace
 
-ContentChanges FindContentChanges(const PathEntryVector& refreshedBefore, const PathEntryVector& refreshedAfter,
-                                  const Finder& before, const Finder& after) {
-    ContentChanges changes;
+ContentChanges FindContentChanges(const PathManagement::PathChangeEvent& event, const Finder& before,
+                                  const Finder& after) {
+    ContentChanges changes{.folders = {},
+                           .put = *event.GetAdded(),
+                           .moved = *event.GetReordered(),
+                           .taken = *event.GetRemoved(),
+                           .names = {}};
     Candidates candidates;
-    for (std::size_t i = 0; i < refreshedBefore.size(); ++i) {
-        const Tolvex::CanonicalAbsoluteIRI mainFolder = refreshedBefore[i]->GetIRI();
-        if (NameComparison(mainFolder, candidates).Compare(refreshedBefore[i], refreshedAfter[i]))
-            changes.folders.push_back(refreshedAfter[i]);
+    for (std::size_t i = 0; i < event.GetRefreshedBefore()->size(); ++i) {
+        const auto& entry = (*event.GetRefreshedAfter())[i];
+        const Tolvex::CanonicalAbsoluteIRI mainFolder = entry->GetIRI();
+        if (NameComparison(mainFolder, candidates).Compare({(*event.GetRefreshedBefore())[i]}, {entry}))
+            changes.folders.push_back(entry);
     }
+    for (const auto* const folders : {&changes.put, &changes.moved, &changes.taken})
+        for (const auto& entry : *folders)
+            static_cast<void>(NameComparison(entry->GetIRI(), candidates).Compare({}, {entry}));
     for (const auto& [name, asked] : candidates) {
         NameChange change{name, FindFirst(before, asked), FindFirst(after, asked)};
         if (!IsSameFile(change.before, change.after))

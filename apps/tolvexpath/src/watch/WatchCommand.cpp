@@ -3,6 +3,7 @@
 #include "FolderArguments.h"
 #include "Messages.h"
 #include "Output.h"
+#include "PackageArguments.h"
 #include "Session.h"
 #include "watch/ChangeWriter.h"
 #include "watch/WatchLoop.h"
@@ -40,6 +41,10 @@ then on is told, as
   {"event":"change","folders":[..],"added":[..],"removed":[..],"changed":[..]}
 with {"name":...,"before":FILE,"after":FILE} for each name; 'before' is left
 out of added names, 'after' of removed ones.
+
+With --packages, packages that some program installs, updates or removes are
+told, too: "put", "moved" and "taken" list the folders that came on the path,
+changed their place on it or left it.
 
 Ends at Ctrl-C or SIGTERM, or when nobody reads its output any more.
 
@@ -83,8 +88,8 @@ private:
             return;
         const Finder old = MakeFinder(std::exchange(before, nullptr));
         const Finder now = MakeFinder(event.GetManager().GetPath());
-        const auto changes = FindContentChanges(*event.GetRefreshedBefore(), *event.GetRefreshedAfter(), old, now);
-        if (!changes.folders.empty()) // else they were read anew to be on the safe side
+        const auto changes = FindContentChanges(event, old, now);
+        if (changes.HoldAny()) // else they were read anew to be on the safe side
             writer.Write(changes);
     }
 
@@ -105,6 +110,7 @@ private:
 
     FolderArguments folders;
     CacheArguments cache;
+    PackageArguments packages;
     bool asJson = false;
     unsigned quiet = 50;   // milliseconds
     double interval = 1.0; // seconds
@@ -113,6 +119,7 @@ private:
 void WatchCommand::DeclareArguments(CLI::App& arguments) {
     folders.DeclareOptions(arguments);
     cache.DeclareOptions(arguments, false); // it looks at every folder when it begins
+    packages.DeclareOptions(arguments);
     arguments.add_flag("--json", asJson, "Write one JSON object a line");
     arguments.add_option("--quiet", quiet, "Wait until nothing has happened for so many milliseconds [50]")
         ->type_name("MS")
@@ -124,11 +131,11 @@ void WatchCommand::DeclareArguments(CLI::App& arguments) {
 }
 
 ExitCode WatchCommand::Run() {
-    const auto locations = folders.GetLocations();
+    const auto locations = packages.GetLocations(folders);
+    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder, packages.GetFolder());
     const bool isCacheLoaded = cache.Load();
-    Session session(PathManagement::CurrentFolderPolicy::noCurrentFolder);
     PrintMessages(session.SetPath(locations));
-    if (session.GetManager().GetPathIRIs()->empty())
+    if (session.GetManager().GetPathIRIs()->empty() && !packages.GetFolder())
         return ExitCode::notFound;
     if (isCacheLoaded)
         cache.TellIfUseless(*session.GetManager().GetPath()->GetMainEntries());
@@ -150,7 +157,12 @@ ExitCode WatchCommand::Watch(Session& session) const {
     const ChangeTeller teller(session.GetEvents(), *writer);
     writer->BeginWatch(session.GetManager().GetPathIRIs()->size());
     const auto pause = std::chrono::duration_cast<WakeUp::Duration>(std::chrono::duration<double>(interval));
-    WatchLoop(session.GetManager(), PathManagement::GetPathEntryFactory(), wakeUp,
+    const auto refresh = [&session] {
+        session.FollowPackages();
+        PrintMessages(session.TakePackageReport());
+        session.GetManager().RefreshPath(PathManagement::RefreshType::knownChanges);
+    };
+    WatchLoop(refresh, PathManagement::GetPathEntryFactory(), wakeUp,
               {.quiet = WakeUp::Duration(quiet), .interval = pause})
         .Run();
     return ExitCode::success;

@@ -4,7 +4,7 @@ namespace TolvexPath {
 
 void WatchLoop::Run() {
     while (WaitForChange() && WaitForQuiet()) {
-        manager.RefreshPath(PathManagement::RefreshType::knownChanges);
+        refresh();
         // Folders on a far disk may count as changed whenever they are looked at.
         if (hasFoldersToLookAt && wakeUp.WaitForNews(timing.interval) == WakeUp::Reason::end)
             return;

@@ -2,8 +2,10 @@
 
 #include "watch/WakeUp.h"
 
-#include "path_interfaces/IMainSearchPathManager.h"
 #include "path_interfaces/IPathEntryFactory.h"
+
+#include <functional>
+#include <utility>
 
 namespace TolvexPath {
 
@@ -19,9 +21,10 @@ public:
     };
     static constexpr int longestBurst = 20; // quiet times
 
-    WatchLoop(PathManagement::IMainSearchPathManager& manager, const PathManagement::IPathEntryFactory& factory,
-              const WakeUp& wakeUp, Timing timing) noexcept
-        : manager(manager), factory(factory), wakeUp(wakeUp), timing(timing) {}
+    /// `refresh` is to bring the path up to date.
+    WatchLoop(std::function<void()> refresh, const PathManagement::IPathEntryFactory& factory, const WakeUp& wakeUp,
+              Timing timing) noexcept
+        : refresh(std::move(refresh)), factory(factory), wakeUp(wakeUp), timing(timing) {}
 
     void Run();
 
@@ -30,7 +33,7 @@ private:
     [[nodiscard]] bool WaitForQuiet();
     [[nodiscard]] bool AskForChanges();
 
-    PathManagement::IMainSearchPathManager& manager;
+    std::function<void()> refresh;
     const PathManagement::IPathEntryFactory& factory;
     const WakeUp& wakeUp;
     Timing timing;

@@ -39,7 +39,7 @@ MainEntryList::Block MainEntryList::CopyBlock(std::size_t block, std::span<const
     auto next = replacements.begin();
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const bool isReplaced = next != replacements.end() && next->place % blockSize == i;
-        copy[i] = isReplaced ? next++->entry : entries[i];
+        copy[static_cast<std::ptrdiff_t>(i)] = isReplaced ? next++->entry : entries[i];
     }
     return copy;
 }

@@ -50,10 +50,11 @@ std::string GetCommonBeginning(const std::vector<Candidate>& candidates) {
 }
 
 /// What the word becomes: all that the candidates have in common.
-std::string MakeReplacement(const std::vector<Candidate>& candidates) {
-    const std::string common = GetCommonBeginning(candidates);
-    if (common.empty())
-        return "";
+std::string MakeReplacement(const WordCompletions& completions) {
+    const auto& candidates = completions.candidates;
+    std::string common = GetCommonBeginning(candidates);
+    if (common.empty() || completions.isQuoted)
+        return common;
     const bool isWhole = candidates.size() == 1 && !candidates.front().mayGoOn;
     return QuoteWord(common) + (isWhole ? " " : "");
 }
@@ -171,7 +172,7 @@ private:
         if (found.candidates.empty())
             return CC_REFRESH_BEEP;
         const std::string word = line.substr(found.start);
-        const std::string replacement = MakeReplacement(found.candidates);
+        const std::string replacement = MakeReplacement(found);
         if (found.candidates.size() > 1 && replacement.size() <= word.size()) {
             ListCandidates(found.candidates);
             return CC_REDISPLAY;

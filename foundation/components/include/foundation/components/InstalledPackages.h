@@ -19,6 +19,8 @@ struct InstalledPackage {
 
     /// Why the package cannot be used.
     std::optional<PackageProblem> problem{};
+
+    bool operator==(const InstalledPackage&) const = default;
 };
 
 /// The packages of a store at one moment, in the order of their installation. A value; safe from any thread.

@@ -417,11 +417,18 @@ MainSearchPathManager::EntriesToAsk MainSearchPathManager::FindEntriesToAsk(cons
 
 /// Has what came watched, and what went no longer.
 void MainSearchPathManager::UpdateObservation(const PathChange& change) const {
-    for (const auto* difference : {&change.mainDifference, &change.currentFolderDifference})
-        for (const auto& entries : {difference->GetAdded(), difference->GetRemoved(), difference->GetRefreshedAfter()})
-            pathEntryFactory.UpdateObservation(*entries, folderMonitor);
-    if (change.isSet)
-        pathEntryFactory.UpdateObservation(*change.paths->storedPath->GetMainEntries(), folderMonitor);
+    const auto update = [this](const std::shared_ptr<const PathEntryVector>& entries) {
+        pathEntryFactory.UpdateObservation(*entries, folderMonitor);
+    };
+    const auto updateWhatDiffers = [&update](const PathEntryVectorDifferentiator& difference) {
+        for (const auto& entries : {difference.GetAdded(), difference.GetRemoved(), difference.GetRefreshedAfter()})
+            update(entries);
+    };
+    updateWhatDiffers(change.currentFolderDifference);
+    if (!change.isSet)
+        return updateWhatDiffers(change.mainDifference);
+    update(change.mainDifference.GetRemoved());
+    update(change.paths->storedPath->GetMainEntries());
 }
 
 PathChangeEvent MainSearchPathManager::MakeEvent(PathChangeEvent::Stage stage, const PathChange& change) const {

@@ -201,7 +201,7 @@ TEST_F(PathCost, APathWithAFewReplacementsTouchesNoOtherEntry) {
     };
     paths.push_back(replace(10)); // takes the list apart
     const long held = far.use_count();
-    for (const std::size_t place : {11, 12, 13})
+    for (const std::size_t place : {11u, 12u, 13u})
         paths.push_back(replace(place));
     EXPECT_EQ(far.use_count(), held);
     EXPECT_EQ(*paths.back()->GetMainEntries(), entries);

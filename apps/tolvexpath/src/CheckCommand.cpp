@@ -29,6 +29,7 @@ constexpr const char* help = R"(What is looked for, by the kinds that --json giv
   unreadable       a folder that may not be read
   wrong-kind       a package, class, private or resources folder by itself
   left-out         a folder left out for another reason
+  several-versions packages that stand on the path in more than one version
   repeated-folder  a folder that is named twice, maybe under a link
   shadowed-name    a name that more than one file answers to; see 'shadows'
   case-clash       names that differ only in case

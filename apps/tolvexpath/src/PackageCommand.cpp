@@ -8,6 +8,7 @@
 #include "foundation/components/PackageStore.h"
 
 #include <CLI/CLI.hpp>
+#include <boost/uuid/uuid_io.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -44,6 +45,10 @@ Examples:
 Exit status: 0 done; 1 no such package is installed, or one of those listed cannot be
 used; 2 wrong use, or refused, and nothing was changed.)";
 
+std::string GetID(const InstalledPackage& package) {
+    return boost::uuids::to_string(package.manifest.identifier.GetUniqueID());
+}
+
 class PackageCommand final : public ICommand {
 public:
     [[nodiscard]] std::string GetName() const override { return "package"; }
@@ -70,6 +75,7 @@ private:
     std::string folder;
     std::string name;
     std::string replaced;
+    std::string id;
     bool inPlace = false;
     bool isDependency = false;
     bool asJson = false;
@@ -101,6 +107,7 @@ void PackageCommand::DeclareArguments(CLI::App& arguments) {
     remove->add_option("PACKAGE", name, "Its name, or its name and version as in signals@1.4.0")
         ->type_name("")
         ->required();
+    remove->add_option("--id", id, "Its unique identifier, where different packages share a name")->type_name("UUID");
     DeclareAction(arguments, "rescan", "Record what others have changed in packages, then list them",
                   &PackageCommand::Rescan);
     arguments.footer(help);
@@ -120,10 +127,17 @@ ComponentVersion ReadVersion(const std::string& text) {
 }
 
 std::string DescribeChoice(const std::vector<const InstalledPackage*>& packages) {
+    const auto getText = [](const InstalledPackage& package) {
+        return Tolvex::ToUtf8(TolvexPackages::GetPackageText(package.manifest.identifier));
+    };
+    const auto describe = [&](const InstalledPackage& package) {
+        const bool isOnlyOne =
+            std::ranges::count(packages, getText(package), [&](const auto* other) { return getText(*other); }) == 1;
+        return fmt::format("'{}'{}", getText(package), isOnlyOne ? "" : " --id " + GetID(package));
+    };
     std::string choice;
     for (const auto* const package : packages)
-        choice += (choice.empty() ? "" : " or ") +
-                  fmt::format("'{}'", Tolvex::ToUtf8(TolvexPackages::GetPackageText(package->manifest.identifier)));
+        choice.append(choice.empty() ? "" : " or ").append(describe(*package));
     return choice;
 }
 
@@ -153,11 +167,16 @@ ExitCode PackageCommand::ReportAll(const PackageStore& store, const InstalledPac
 
 ExitCode PackageCommand::ReportOne(const PackageStore& store, const ComponentIdentifier& identifier) const {
     const InstalledPackages installed = store.Read();
-    return Report(store, installed.Find(identifier.GetName(), identifier.GetVersion()));
+    Packages packages = installed.Find(identifier.GetName(), identifier.GetVersion());
+    std::erase_if(packages, [&](const auto* package) { return package->manifest.identifier != identifier; });
+    return Report(store, packages);
 }
 
 ExitCode PackageCommand::List(PackageStore& store) const {
-    return ReportAll(store, store.Read());
+    const InstalledPackages installed = store.Read();
+    if (installed.Get().empty() && !asJson)
+        PrintMessage(fmt::format("no packages are installed in '{}'", store.GetFolder().native()));
+    return ReportAll(store, installed);
 }
 
 ExitCode PackageCommand::Rescan(PackageStore& store) const {
@@ -177,7 +196,8 @@ ExitCode PackageCommand::Remove(PackageStore& store) const {
     const std::size_t at = name.find('@');
     const auto version = at == std::string::npos ? std::nullopt : std::optional(ReadVersion(name.substr(at + 1)));
     const InstalledPackages installed = store.Read();
-    const Packages found = installed.Find(FromUtf8(name.substr(0, at)), version);
+    Packages found = installed.Find(FromUtf8(name.substr(0, at)), version);
+    std::erase_if(found, [this](const auto* package) { return !id.empty() && GetID(*package) != id; });
     if (found.empty()) {
         PrintMessage(fmt::format("'{}' is not installed in '{}'; 'package list' shows what is", name,
                                  store.GetFolder().native()));

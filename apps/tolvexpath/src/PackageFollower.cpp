@@ -39,11 +39,18 @@ Tolvex::Notification PackageFollower::Announce() {
     for (const InstalledPackage& package : installed.Get())
         if (package.problem && !(announced && IsTold(*announced, package)))
             problems.Add(MakePackageMessage("unusablePackage", *package.problem));
-    if (announced != installed.Get()) {
+    if (isTakenBack || announced != installed.Get()) {
+        isTakenBack = false;
         announced = installed.Get();
+        before = registrar.GetRegistry();
         registrar.ReplaceRegistry(installed.CreateRegistry(), events);
     }
     return problems;
+}
+
+void PackageFollower::TakeBack() {
+    registrar.ReplaceRegistry(before, *Tolvex::createEventMgr());
+    isTakenBack = true;
 }
 
 /// To be done before the packages are read, so that what changes meanwhile is seen later.

@@ -18,8 +18,12 @@ public:
     /// package that cannot be used and was not told of before. Throws what PackageStore::Read does.
     Tolvex::Notification Announce();
 
-    /// Whether some process may have changed what is recorded in the folder since it was read. What somebody writes
-    /// into a package's own files is not seen.
+    /// For a path that refused what was announced last: the registry becomes what it was before that, unheard, and the
+    /// next call of Announce tells the difference again.
+    void TakeBack();
+
+    /// Whether some process may have put another record of the packages into the folder since it was read. What
+    /// somebody writes into that file as it stands there, or into a package's own files, is not seen.
     [[nodiscard]] bool MayHaveChanged() const noexcept { return observer == nullptr || observer->hasChanged(); }
 
 private:
@@ -31,6 +35,8 @@ private:
     const Tolvex::StorageSystemReference storage;
     std::unique_ptr<const Tolvex::IFileFolderObserver> observer; // from before the packages were read
     std::optional<std::vector<TolvexPackages::InstalledPackage>> announced;
+    std::shared_ptr<const TolvexPackages::IPackageRegistry> before; // the registry before the last announcement
+    bool isTakenBack = false;
 };
 
 /// The message about a file or folder of packages, under one of the keys of "TOLVEX:packages".

@@ -33,6 +33,7 @@ constexpr auto problemKinds = std::to_array<ProblemKind>({
     {"unreadable", "Folders that cannot be read"},
     {"wrong-kind", "Folders that may not stand on a path"},
     {"left-out", "Other folders that were left out"},
+    {"several-versions", "Packages in several versions"},
     {"repeated-folder", "Folders named more than once"},
     {"shadowed-name", "Names with hidden files"},
     {"case-clash", "Names that differ only in case"},
@@ -49,6 +50,7 @@ constexpr auto kindsOfMessages = std::to_array<std::pair<std::string_view, std::
     {"methodDirectoriesNotAllowedOnPath", "wrong-kind"},
     {"privateDirectoriesNotAllowedOnPath", "wrong-kind"},
     {"resourcesDirectoriesNotAllowedOnPath", "wrong-kind"},
+    {"MultiplePackageVersionsOnPath", "several-versions"},
 });
 
 constexpr std::uint64_t nearLimitPercent = 90;
@@ -57,8 +59,11 @@ constexpr std::size_t mostHiddenFilesTold = 4; // 'shadows' has them all
 PathProblem MakeProblem(const Tolvex::MessageIdentifier& message) {
     const auto* const known =
         std::ranges::find(kindsOfMessages, message.key, &std::pair<std::string_view, std::string_view>::first);
-    return {known == kindsOfMessages.end() ? "left-out" : known->second,
-            message.arguments.empty() ? Tolvex::ustring() : message.arguments.front(), Tolvex::GetMessageText(message)};
+    Tolvex::ustring subject = message.arguments.empty() ? Tolvex::ustring() : message.arguments.front();
+    if (message.key == "MultiplePackageVersionsOnPath") // the hidden version, without the quotes of the sentence
+        subject = message.arguments.back().substr(1, message.arguments.back().size() - 2);
+    return {known == kindsOfMessages.end() ? "left-out" : known->second, std::move(subject),
+            Tolvex::GetMessageText(message)};
 }
 
 std::string GetFileText(const FoundItem& file) {

@@ -40,6 +40,14 @@ bool BelongsInFront(const TolvexPackages::IPackageRegistry& registry, const Cano
     return text != nullptr && *text == u"begin";
 }
 
+/// Whether a change of packages did not reach the path; the refusal is then all that is reported.
+bool IsRefusal(const Notification& report) {
+    return report.ForEach([](const Notification::Entry& entry) {
+        const std::string& key = entry.message.key;
+        return key == "PathAlterationNotSupported" || key == "UnableToModifyTolvexpath";
+    });
+}
+
 /// Switched on before the manager is made, which asks once.
 boost::shared_ptr<Tolvex::EventMgr> BeginHost(bool hasPackages) {
     TolvexComponents::ComponentFeature::Set(hasPackages);
@@ -55,8 +63,10 @@ Session::Session(CurrentFolderPolicy policy, const std::optional<std::filesystem
     if (!packagesFolder)
         return;
     packages.emplace(*packagesFolder, *events);
-    PathManagement::InstallPackagesOnPathCoordinator(*events, *manager,
-                                                     [this](const Notification& report) { packageReport.Add(report); });
+    PathManagement::InstallPackagesOnPathCoordinator(*events, *manager, [this](const Notification& report) {
+        packageReport.Add(report);
+        isPathRefused = isPathRefused || IsRefusal(report);
+    });
     try {
         const ProgressLine progress = ShowProgress();
         AnnouncePackages();
@@ -99,7 +109,7 @@ Notification Session::SetPath(std::span<const AbsoluteIRI> locations) {
 
 void Session::Refresh(PathManagement::RefreshType type) {
     if (packages)
-        AnnouncePackages();
+        TakeOverPackages();
     manager->RefreshPath(type);
     auto& observers = Tolvex::GetFileFolderObserverFactory(TolvexStorageSystem::GetStorageSystemReference());
     if (const std::string warning = observers.takeChangeHandleWarning(); !warning.empty())
@@ -107,8 +117,12 @@ void Session::Refresh(PathManagement::RefreshType type) {
 }
 
 void Session::FollowPackages() {
-    if (!packages || !packages->MayHaveChanged())
-        return;
+    if (packages && packages->MayHaveChanged())
+        TakeOverPackages();
+}
+
+/// What goes wrong is reported; the packages, and the path, then stay as they are.
+void Session::TakeOverPackages() {
     try {
         AnnouncePackages();
     } catch (const TolvexPackages::PackageError& error) {
@@ -126,8 +140,11 @@ void Session::ReportUnreadPackages(const TolvexPackages::PackageProblem& problem
 }
 
 void Session::AnnouncePackages() {
+    isPathRefused = false;
     packageReport.Add(packages->Announce());
     unreadPackages.reset();
+    if (isPathRefused)
+        packages->TakeBack();
 }
 
 Notification Session::TakePackageReport() {

@@ -40,7 +40,8 @@ public:
     /// what was left out and why, in the order of the folders as far as they could be read.
     [[nodiscard]] Tolvex::Notification SetPath(std::span<const Tolvex::AbsoluteIRI> locations);
 
-    /// Refreshes the path, packages included; says so when the system gives no more watches for it.
+    /// Refreshes the path, packages included, those that it refused before, too; says so when the system gives no more
+    /// watches for it.
     void Refresh(PathManagement::RefreshType type);
 
     /// Takes over what some process has installed, updated or removed since. Costs nothing when that is nothing. What
@@ -52,6 +53,7 @@ public:
     [[nodiscard]] Tolvex::Notification TakePackageReport();
 
 private:
+    void TakeOverPackages();
     void AnnouncePackages();
     void ReportUnreadPackages(const TolvexPackages::PackageProblem& problem);
 
@@ -61,6 +63,7 @@ private:
     std::optional<PackageFollower> packages;
     std::vector<Tolvex::CanonicalAbsoluteIRI> firstPackageFolders; // on the path when the session began
     Tolvex::Notification packageReport;
+    bool isPathRefused = false;                                   // the path could not follow what was announced last
     std::optional<TolvexPackages::PackageProblem> unreadPackages; // what was reported and has not been mended
 };
 

@@ -3,13 +3,15 @@
 import json
 import os
 import random
+import shutil
 import signal
 import subprocess
 import threading
 import unittest
+import uuid
 
 import program
-from program import FAILURE, FOUND, NOT_FOUND, PackageTest, run
+from program import FAILURE, FOUND, NOT_FOUND, PROGRAM, PackageTest, can_trace, environment, run
 
 SEED = int(os.environ.get("TOLVEXPATH_SEED", random.randrange(10**6)))
 
@@ -185,6 +187,72 @@ class PackageCommandTest(PackageTest):
         text = run("package", "--help").out.decode("utf-8")
         self.assertIn("Examples:", text)
         self.assertIn("Exit status:", text)
+
+
+class OddPlacesTest(PackageTest):
+    def test_what_is_no_store_and_no_manifest_is_named(self):
+        self.assertEqual((FOUND, "tolvexpath: no packages are installed in '%s'\n" % os.fsdecode(self.path("store"))),
+                         (lambda r: (r.code, r.err))(self.package("list")))
+        self.assertEqual([], self.package("list", "--json").json["packages"])
+        self.assertEqual(FOUND, self.package("rescan").code)
+        self.assertFalse(os.path.exists(self.path("store")))
+        self.make("store")
+        for command in (["list"], ["rescan"], ["install", self.make_package("one", "one")]):
+            result = self.package(*command)
+            self.assertEqual(FAILURE, result.code, command)
+            self.assertIn(os.fsdecode(self.path("store")), result.err)
+        os.remove(self.path("store"))
+        os.rename(self.path("one/package.json"), self.path("one/kept"))
+        os.mkfifo(self.path("one/package.json"))
+        self.assertIn("is no file", self.package("install", "one").err)
+        os.remove(self.path("one/package.json"))
+        self.assertIn("is missing", self.package("install", "one").err)
+        with open(self.path("one/kept"), encoding="utf-8") as kept, open(self.path("one/package.json"), "w", encoding="utf-8-sig") as file:
+            file.write(kept.read())
+        self.assertEqual(FOUND, self.package("install", "one").code)
+        with open(self.path("one/kept"), encoding="utf-8") as kept:
+            id = json.load(kept)["id"]
+        self.assertIn("'one@1.0.0' is installed already; update or remove it, or give 'two@1.0.0' an id of its own",
+                      self.package("install", self.make_package("two", "two", id=id)).err)
+
+
+class ChoiceTest(PackageTest):
+    def test_packages_of_one_name_and_version_are_told_apart_by_their_ids(self):
+        ids = [str(uuid.uuid5(uuid.NAMESPACE_DNS, name)) for name in ("first", "second")]
+        for place, id in zip(("one", "two"), ids):
+            done = self.package("install", self.make_package(place, "same", id=id), "--json")
+            self.assertEqual([id], [package["id"] for package in done.json["packages"]])
+        result = self.package("remove", "same@1.0.0")
+        self.assertEqual(FAILURE, result.code)
+        for id in ids:
+            self.assertIn("'same@1.0.0' --id " + id, result.err)
+        self.assertEqual(FOUND, self.package("remove", "same", "--id", ids[0]).code)
+        self.assertEqual([ids[1]], [package["id"] for package in self.package("list", "--json").json["packages"]])
+        self.assertEqual(NOT_FOUND, self.package("remove", "same", "--id", ids[0]).code)
+
+
+@unittest.skipUnless(can_trace(), "strace is not installed or not allowed here")
+class FailingDiskTest(PackageTest):
+    def test_what_is_refused_is_not_done(self):
+        """Whichever file cannot be put in place: the exit status says what became of the package."""
+        codes = set()
+        for number in range(1, 9):
+            for action, arguments, there in (("install", ["new"], True), ("remove", ["tool"], False), ("update", ["tool2"], True)):
+                name, version = ("new", "1.0.0") if action == "install" else ("tool", "2.0.0" if there else "1.0.0")
+                shutil.rmtree(self.path("store"), ignore_errors=True)
+                for place, *what in (("tool", "tool"), ("tool2", "tool", "2.0.0"), ("new", "new")):
+                    self.make_package(place, *what)
+                self.assertEqual(FOUND, self.package("install", "tool").code)
+                done = subprocess.run(["strace", "-f", "-o", os.devnull, "-e", f"inject=/^rename:error=EIO:when={number}", PROGRAM,
+                                       "package", action, *arguments, "--packages", "store"], cwd=self.root,
+                                      env=environment(ASAN_OPTIONS="detect_leaks=0", LSAN_OPTIONS="detect_leaks=0"),
+                                      stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+                codes.add(done.returncode)
+                installed = [(one["name"], one["version"]) for one in self.package("list", "--json").json["packages"]]
+                with self.subTest(action=action, number=number):
+                    self.assertIn(done.returncode, (FOUND, FAILURE), done.stderr)
+                    self.assertEqual((done.returncode == FOUND) == there, (name, version) in installed, done.stderr)
+        self.assertEqual({FOUND, FAILURE}, codes)
 
 
 if __name__ == "__main__":

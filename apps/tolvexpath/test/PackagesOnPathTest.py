@@ -102,7 +102,7 @@ class StartTest(PackagesOnPathTest):
         self.make("a/f.kx")
         good, bad = self.install("good"), self.install("bad")
         self.spoil(bad)
-        told = f"A package cannot be used; the others are: '{bad}/package.json', line 3: "
+        told = f"A package was left out, since it cannot be used: '{bad}/package.json', line 3: "
         for command, code, *arguments in (("path", NOT_FOUND), ("check", NOT_FOUND), ("shadows", NOT_FOUND), ("entry", FOUND),
                                           ("find", FOUND, "good"), ("shell", FOUND)):
             named = () if command in ("entry", "shell") else ("-p", "a")
@@ -181,6 +181,8 @@ class OtherProcessTest(PackagesOnPathTest):
         self.assertEqual([a, newer, second], self.shown(do))
         code, _, errors = shell.end(signal.SIGTERM)
         self.assertRegex(errors.decode(), r"several versions of one package: 'last@2.0.0' is used, 'last@3.0.0' is hidden")
+        problems = self.ask("check", "--json", code=NOT_FOUND).json["problems"]
+        self.assertIn(("several-versions", "last@3.0.0"), [(problem["kind"], problem["subject"]) for problem in problems])
 
     def test_what_a_change_set_holds(self):
         self.make("end.kx")
@@ -205,6 +207,23 @@ class OtherProcessTest(PackagesOnPathTest):
         self.assertEqual([], do())
         del shell
 
+    def test_what_the_path_refused_comes_with_a_later_refresh(self):
+        self.make("a/f.kx", "a/end.kx")
+        old = self.install("old")
+        shell, do = self.start_shell("-p", "a")
+        a = self.plain("a")[0]
+        do("policy current none", "policy mutability no-adding-or-removing")
+        new = self.install("new")
+        self.remove("old")
+        self.assertEqual([a, old], self.shown(do))
+        do("refresh")
+        self.assertEqual([a, old], self.shown(do))
+        do("policy mutability all", "refresh")
+        self.assertEqual([a, new], self.shown(do))
+        _, _, errors = shell.end(signal.SIGTERM)
+        self.assertEqual({"Folders cannot be added to the path or removed from it here. Only their order can be changed."},
+                         {line.split(": ", 2)[2] for line in errors.decode().splitlines()})
+
     def test_a_broken_package_is_told_once_and_comes_back(self):
         self.make("end.kx")
         good = self.install("good")
@@ -224,13 +243,15 @@ class OtherProcessTest(PackagesOnPathTest):
             file.write("{")
         os.replace(self.path("store/broken"), self.path("store/registry.json"))
         self.assertEqual([here, good, tool], self.shown(do))
+        self.make("new.kx")
+        self.assertEqual([f"{here}/new.kx"], do("refresh", "find new"))
         os.replace(self.path("whole"), self.path("store/registry.json"))
         self.remove("good")
         self.assertEqual([here, tool], self.shown(do))
         _, _, errors = shell.end(signal.SIGTERM)
         self.assertEqual(2, len(errors.splitlines()), errors.decode())
         broken, unread = errors.decode().splitlines()
-        self.assertRegex(broken, r"line 6: A package cannot be used; the others are: '.*/package.json', line 3: ")
+        self.assertRegex(broken, r"line 6: A package was left out, since it cannot be used: '.*/package.json', line 3: ")
         self.assertRegex(unread, r"installed packages could not be read; those on the path stay as they were: '.*/registry.json', line 1: ")
 
     def test_a_path_that_may_not_change_says_so(self):

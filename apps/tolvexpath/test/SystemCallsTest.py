@@ -2,7 +2,6 @@
 
 import collections
 import os
-import shutil
 import subprocess
 import unittest
 
@@ -14,11 +13,7 @@ LOOSE = {"openat", "close"}  # a thread that starts or not makes a few of these 
 FILES_IN_ONE_READ = 400  # names of this length that one listing call surely returns
 
 
-def can_trace():
-    return shutil.which("strace") and subprocess.run(["strace", "-o", os.devnull, "true"], check=False).returncode == 0
-
-
-@unittest.skipUnless(can_trace(), "strace is not installed or not allowed here")
+@unittest.skipUnless(program.can_trace(), "strace is not installed or not allowed here")
 class SystemCallsTest(program.FolderTest):
     def trace(self, calls, *arguments, **options):
         """How often the program made each of the calls."""

@@ -5,6 +5,7 @@ import os
 import pty
 import re
 import select
+import shutil
 import subprocess
 import tempfile
 import termios
@@ -56,6 +57,10 @@ def ask(questions, *arguments, **options):
     result = run("find", "--queries", "-", *arguments, stdin=lines.encode("ascii"), **options)
     assert result.code == FOUND, result.err
     return result.json_lines
+
+
+def can_trace():
+    return shutil.which("strace") and subprocess.run(["strace", "-o", os.devnull, "true"], check=False).returncode == 0
 
 
 class Running:

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <fstream>
 #include <iterator>
 #include <limits>
@@ -58,12 +59,13 @@ public:
         members.push_back({.name = std::exchange(text, {}), .line = line});
         return true;
     }
-    bool on_number_part(json::string_view, ErrorCode&) { return true; }
-    bool on_int64(std::int64_t number, json::string_view, ErrorCode&) { return Put(number) != nullptr; }
-    bool on_uint64(std::uint64_t number, json::string_view, ErrorCode&) {
-        return Put(static_cast<double>(number)) != nullptr; // beyond the signed ones
+    bool on_number_part(json::string_view part, ErrorCode&) { return Collect(part); }
+    bool on_int64(std::int64_t number, json::string_view, ErrorCode&) {
+        text.clear();
+        return Put(number) != nullptr;
     }
-    bool on_double(double number, json::string_view, ErrorCode&) { return Put(number) != nullptr; }
+    bool on_uint64(std::uint64_t, json::string_view part, ErrorCode& error) { return PutReal(part, error); }
+    bool on_double(double, json::string_view part, ErrorCode& error) { return PutReal(part, error); }
     bool on_bool(bool truth, ErrorCode&) { return Put(truth) != nullptr; }
     bool on_null(ErrorCode&) { return Put(nullptr) != nullptr; }
     bool on_comment_part(json::string_view, ErrorCode&) { return true; }
@@ -84,6 +86,19 @@ private:
         if (auto* const array = std::get_if<LocatedValue::Array>(&open.back()->value))
             return array->emplace_back();
         return std::get<LocatedValue::Object>(open.back()->value).back().value;
+    }
+
+    /// From the text: the parser's own value is a little off for every tenth number, and endless for a large one.
+    bool PutReal(json::string_view part, ErrorCode& error) {
+        Collect(part);
+        const std::string digits = std::exchange(text, {});
+        double number = 0;
+        if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) {
+            refusal = Quote(digits) + " is too large or too small a number";
+            error = json::error::syntax;
+            return false;
+        }
+        return Put(number) != nullptr;
     }
 
     /// What is open does not move: nothing is added beside it until it is closed.
@@ -113,6 +128,8 @@ private:
 LocatedValue ParseLocatedJson(std::string_view text, const std::string& fileName) {
     json::basic_parser<ValueBuilder> parser{json::parse_options()};
     std::size_t line = 0;
+    constexpr std::string_view mark = "\xEF\xBB\xBF"; // that some editors put in front of UTF-8
+    text.remove_prefix(text.starts_with(mark) ? mark.size() : 0);
     for (bool more = true; more;) {
         const std::size_t end =
             std::min(text.find('\n'), text.size() - (text.empty() ? 0 : 1)) + (text.empty() ? 0 : 1);
@@ -134,7 +151,13 @@ LocatedValue ParseLocatedJson(std::string_view text, const std::string& fileName
 LocatedValue ReadLocatedJson(const std::string& fileName) {
     errno = 0;
     std::ifstream file(fileName, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    std::string text;
+    try {
+        if (file.is_open())
+            text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    } catch (const std::ios_base::failure&) { // the buffer throws whatever the stream is told
+        file.setstate(std::ios::badbit);
+    }
     if (!file.is_open() || file.bad())
         throw PackageError({fileName, 0, "cannot be read: " + std::generic_category().message(errno)});
     return ParseLocatedJson(text, fileName);

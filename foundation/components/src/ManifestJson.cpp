@@ -45,10 +45,11 @@ bool IsPreRelease(std::string_view mark) {
 }
 
 ComponentVersion ReadVersion(const LocatedObject& object) {
+    constexpr std::size_t longest = 64; // it becomes part of a folder's name
     const std::string& text = object.GetText("version");
     const auto version = ComponentVersion::fromString(FromUtf8(text));
     const std::size_t dash = text.find('-');
-    if (!version || ToUtf8(version->toString()) != text ||
+    if (text.size() > longest || !version || ToUtf8(version->toString()) != text ||
         (dash != std::string::npos && !IsPreRelease(std::string_view(text).substr(dash + 1))))
         object.Refuse(object.Get("version").line, "'" + text + "' is no version such as '1.4.0' or '2.0.0-beta.1'");
     return *version;
@@ -72,7 +73,8 @@ ComponentIdentifier ReadIdentifier(const LocatedObject& object) {
     if (!IsPackageName(name))
         object.Refuse(object.Get("name").line,
                       "'" + name +
-                          "' is no name for a package: blanks, '/', '@' and '.', '+', '-' in front are not taken");
+                          "' is no name for a package: more than 128 bytes, blanks, control characters, '/', '@', and "
+                          "'.', '+', '-' in front are not taken");
     return {FromUtf8(name), ReadVersion(object), ReadUniqueID(object)};
 }
 

@@ -53,7 +53,10 @@ PackageManifest ReadPackageManifest(const fs::path& root) {
         throw PackageError({root.native(), 0, "is no folder"});
     const std::string fileName = (root / PackageManifest::fileName).native();
     if (!fs::is_regular_file(fileName, error))
-        throw PackageError({fileName, 0, "is missing; a package says there what it is"});
+        throw PackageError({fileName, 0,
+                            fs::symlink_status(fileName, error).type() == fs::file_type::not_found
+                                ? "is missing; a package says there what it is"
+                                : "is no file; a package says there what it is"});
     const LocatedValue value = ReadLocatedJson(fileName);
     PackageManifest manifest = ReadManifestJson(value, fileName);
     CheckFolders(root, manifest, value, fileName);

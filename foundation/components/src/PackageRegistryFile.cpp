@@ -6,8 +6,9 @@
 
 #include <boost/json.hpp>
 
-#include <algorithm>
 #include <ostream>
+#include <unordered_set>
+#include <utility>
 
 namespace TolvexPackages {
 
@@ -36,15 +37,20 @@ RecordedPackage ReadPackage(const LocatedValue& value, const std::string& fileNa
     return package;
 }
 
-void AddPackage(RecordedPackages& recorded, RecordedPackage package, const LocatedObject& object, std::size_t line) {
-    const auto& packages = recorded.packages;
-    if (package.order >= recorded.nextNumber)
-        object.Refuse(line, "'order' has to be less than 'nextNumber'");
-    if (std::any_of(packages.begin(), packages.end(), [&package](const RecordedPackage& other) {
-            return other.manifest.identifier == package.manifest.identifier || other.folder == package.folder;
-        }))
-        object.Refuse(line, "this package, or its folder, stands there twice");
-    recorded.packages.push_back(std::move(package));
+/// The packages that a registry holds, each once.
+std::vector<RecordedPackage> ReadPackages(const LocatedObject& registry, std::uint64_t nextNumber,
+                                          const std::string& fileName) {
+    std::vector<RecordedPackage> packages;
+    std::unordered_set<TolvexComponents::ComponentIdentifier, TolvexComponents::ComponentIdentifierHash> identifiers;
+    std::unordered_set<std::string> folders;
+    for (const LocatedValue& value : registry.GetArray("packages")) {
+        RecordedPackage& package = packages.emplace_back(ReadPackage(value, fileName));
+        if (package.order >= nextNumber)
+            registry.Refuse(value.line, "'order' has to be less than 'nextNumber'");
+        if (!identifiers.insert(package.manifest.identifier).second || !folders.insert(package.folder).second)
+            registry.Refuse(value.line, "this package, or its folder, stands there twice");
+    }
+    return packages;
 }
 
 json::value MakePackageJson(const RecordedPackage& package) {
@@ -62,8 +68,7 @@ RecordedPackages ReadContents(const std::string& fileName) {
         object.Refuse(object.Get("format").line, "this program knows format " + std::to_string(format) + " only");
     object.RefuseOthers({"format", "nextNumber", "packages", "leftovers"});
     RecordedPackages recorded{.nextNumber = object.GetCount("nextNumber"), .packages = {}, .leftovers = {}};
-    for (const LocatedValue& package : object.GetArray("packages"))
-        AddPackage(recorded, ReadPackage(package, fileName), object, package.line);
+    recorded.packages = ReadPackages(object, recorded.nextNumber, fileName);
     for (const LocatedValue& leftover : object.GetArray("leftovers")) {
         const auto* const name = std::get_if<std::string>(&leftover.value);
         if (name == nullptr || !IsPlainName(*name))

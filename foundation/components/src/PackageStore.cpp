@@ -109,6 +109,14 @@ public:
             Commit();
     }
 
+    /// For a change that stands already: what cannot be recorded now is left to a later one.
+    void TidyUp() {
+        try {
+            Finish();
+        } catch (const fs::filesystem_error&) { // what was removed is removed again, which is no error
+        }
+    }
+
     ComponentIdentifier Install(const fs::path& source, const PackageInstallOptions& options) {
         PackageManifest manifest = ReadPackageManifest(source);
         RefuseInstalled(manifest.identifier, nullptr);
@@ -182,11 +190,18 @@ private:
         std::erase_if(recorded.leftovers, remove);
     }
 
+    static std::string GetAdvice(const RecordedPackage& installed, const ComponentIdentifier& identifier) {
+        return installed.manifest.identifier.GetName() == identifier.GetName()
+                   ? ""
+                   : ", or give " + Describe(identifier) + " an id of its own, as 'uuidgen' makes them";
+    }
+
     void RefuseInstalled(const ComponentIdentifier& identifier, const RecordedPackage* replaced) const {
         for (const auto& package : recorded.packages) {
             if (&package != replaced && package.manifest.identifier == identifier)
                 throw PackageError({GetRoot(store, package).native(), 0,
-                                    Describe(identifier) + " is installed already; update or remove it"});
+                                    Describe(package.manifest.identifier) +
+                                        " is installed already; update or remove it" + GetAdvice(package, identifier)});
         }
     }
 
@@ -261,6 +276,8 @@ PackageStore::PackageStore(const fs::path& folder, IPackageRegistrar& registrar,
     : folder(fs::absolute(folder)), registrar(registrar), events(events) {}
 
 InstalledPackages PackageStore::Read() const {
+    if (fs::exists(folder) && !fs::is_directory(folder))
+        throw PackageError({folder.native(), 0, "is no folder, so that no packages can be installed there"});
     const fs::path file = folder / registryFileName;
     for (RecordedPackages recorded = ReadRegistryFile(file);;) {
         auto packages = Look(folder, recorded);
@@ -281,7 +298,8 @@ InstalledPackages PackageStore::Announce() {
 }
 
 InstalledPackages PackageStore::Rescan() {
-    Change(folder).Finish();
+    if (fs::exists(folder))
+        Change(folder).Finish();
     return Announce();
 }
 
@@ -290,7 +308,7 @@ auto PackageStore::MakeChange(const Operation& operation) {
     const auto make = [&] {
         Change change(folder);
         auto result = operation(change);
-        change.Finish();
+        change.TidyUp();
         return result;
     };
     auto result = make();

@@ -74,9 +74,11 @@ TEST_F(PackageManifestTest, IsRefusedWithLineAndReason) {
     fs::create_directory_symlink("../outside", root / "away");
     fs::create_directory_symlink("lib", root / "same");
     std::ofstream(root / "file");
+    const std::string longVersion = "1.4.0-" + std::string(59, 'a');
+    const std::string hundredsOfZeros(400, '0');
     struct Case {
         std::string_view text; // in the good one
-        std::string_view instead;
+        std::string instead;
         std::size_t line;
         std::string_view reason; // part of it
     };
@@ -100,6 +102,7 @@ TEST_F(PackageManifestTest, IsRefusedWithLineAndReason) {
         {"1.4.0-beta.2", "1.4.0-beta..2", 3, "no version"},
         {"1.4.0-beta.2", "1.4.0-02", 3, "no version"},
         {"1.4.0-beta.2", "1.4.0+build", 3, "no version"},
+        {"1.4.0-beta.2", longVersion, 3, "no version"},
         {"6f1c9a52-", "", 4, "unique identifier"},
         {"6f1c9a52-0c7e-4b5e-9d0a-3f6f2a1f8b11", "00000000-0000-0000-0000-000000000000", 4, "unique identifier"},
         {R"("lib",)", R"("",)", 7, "not empty"},
@@ -117,6 +120,9 @@ TEST_F(PackageManifestTest, IsRefusedWithLineAndReason) {
         {"isOld", "ManualInstall", 12, "set by installing"},
         {": -3", ": null", 13, "'rank' has to be"},
         {"0.5", "{}", 14, "'weight' has to be"},
+        {"0.5", "1e400", 14, "too large"},
+        {"0.5", "-1e400", 14, "too large"},
+        {"0.5", "1" + hundredsOfZeros + ".5", 14, "too large"},
     };
     for (const Case& one : cases) {
         std::string text = good;
@@ -134,6 +140,24 @@ TEST_F(PackageManifestTest, IsRefusedWithLineAndReason) {
     EXPECT_NE(GetRefusal().second.find("missing"), std::string::npos);
     fs::remove_all(root);
     EXPECT_NE(GetRefusal().second.find("no folder"), std::string::npos);
+}
+
+TEST_F(PackageManifestTest, NumbersAreReadToTheLastBit) {
+    for (const std::string number :
+         {"5.231104702840217e-60", "0.1", "-2.5e-8", "123456789.123456789", "1.7976931348623157e308",
+          "9223372036854775808", "18446744073709551616", "4.9e-324"}) {
+        std::string text = good;
+        text.replace(text.find("0.5"), 3, number);
+        Write(text);
+        EXPECT_EQ(std::get<double>(ReadPackageManifest(root).properties.at("weight")),
+                  std::strtod(number.c_str(), nullptr))
+            << number;
+    }
+}
+
+TEST_F(PackageManifestTest, OneThatTheDiskCannotReadIsNamed) {
+    fs::create_symlink("/proc/self/mem", root / PackageManifest::fileName); // reading at its beginning fails
+    EXPECT_NE(GetRefusal().second.find("cannot be read"), std::string::npos);
 }
 
 // Cut anywhere, a manifest is refused, and no cut sends the reader elsewhere.

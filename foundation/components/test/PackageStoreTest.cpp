@@ -364,11 +364,21 @@ TEST_F(PackageStoreTest, RefusesWhatCannotBeInstalled) {
     fs::rename(linked / "lib", linked / "real");
     fs::create_directory_symlink(linked / "real", linked / "lib"); // in the copy it leads out
     EXPECT_NE(install(linked, false).find("leads out"), std::string::npos);
+    const fs::path linking = Make("linking", {'f'});
+    for (const fs::path& target :
+         {tree.GetRoot() / "elsewhere.kx", fs::path("../../elsewhere.kx"), fs::path("../lib/../../x")}) {
+        fs::create_symlink(target, linking / "lib" / "link.kx");
+        const std::string refusal = install(linking, false);
+        EXPECT_NE(refusal.find((linking / "lib" / "link.kx").native()), std::string::npos) << refusal;
+        fs::remove(linking / "lib" / "link.kx");
+    }
     const fs::path odd = Make("odd", {'e'});
     ASSERT_EQ(::mkfifo((odd / "pipe").c_str(), 0600), 0);
     EXPECT_NE(install(odd, false), "nothing");
     for (const auto& item : fs::directory_iterator(folder))
         EXPECT_FALSE(item.is_directory()) << item; // nothing of the attempts
+    fs::create_symlink("../lib/other.kx", linking / "lib" / "link.kx");
+    EXPECT_NO_THROW(host->Install(linking, {})) << "a link within the package";
 }
 
 TEST_F(PackageStoreTest, NeverTouchesWhatABrokenRegistryNames) {

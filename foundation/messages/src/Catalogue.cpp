@@ -52,7 +52,7 @@ constexpr auto catalogue = std::to_array<Text>({
     {path, "packageFolderMonitoringChange", 1, // folder
      "The folder '{0}' belongs to an installed package, which decides by itself how its folders are watched."},
     {"TOLVEX:packages", "unusablePackage", 2, // the file or folder, what is wrong with it
-     "A package cannot be used; the others are: '{0}', {1}."},
+     "A package was left out, since it cannot be used: '{0}', {1}."},
     {"TOLVEX:packages", "packagesNotRead", 2, // the file or folder, what is wrong with it
      "The installed packages could not be read; those on the path stay as they were: '{0}', {1}."},
     {path, "TPMFeatureOff", 0, "The package manager is switched off. Switch it on to ask for installed packages."},

@@ -134,7 +134,7 @@ private:
 
     [[noreturn]] void Refuse(std::string_view fault) const {
         throw UsageError(rest.empty() ? fmt::format("{} at the end of the line", fault)
-                                      : fmt::format("{} in front of '{}'", fault, rest));
+                                      : fmt::format("{}; found '{}'", fault, rest));
     }
 
     std::string_view rest;
@@ -153,7 +153,9 @@ BuiltInCall ReadBuiltInCall(std::string_view line) {
 }
 
 std::optional<OpenCall> ReadOpenCall(std::string_view line) {
-    const std::size_t call = line.starts_with('[') ? std::min(line.find('='), line.size() - 1) + 1 : 0;
+    const std::size_t start = std::min(line.find_first_not_of(blanks), line.size());
+    const bool namesOutputs = line.substr(start).starts_with('[');
+    const std::size_t call = namesOutputs ? std::min(line.find('='), line.size() - 1) + 1 : start;
     const auto name = GetCalledName(line.substr(call));
     if (!name)
         return std::nullopt;

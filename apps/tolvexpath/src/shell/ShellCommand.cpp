@@ -18,7 +18,8 @@ ShellCommand::Run Help, Quit;
 constexpr auto commands = std::to_array<ShellCommand>({
     {"set", "FOLDER...", "Set the path to these folders",
      "Without a folder the path becomes empty. A folder that may not stand on the path is left\n"
-     "out, and why is told; the others are set. When there are no others, the path stays as it was.",
+     "out, and why is told; the others are set. When there are no others, the path stays as it was.\n"
+     "Packages that are not named leave the path, too; those installed afterwards come on it.",
      Completion::folders, "", PathCommands::Set},
     {"add", "[--end] FOLDER...", "Put folders in front of the path, or behind it",
      "They stay in the order given. What is on the path already is moved there.", Completion::folders, "--end",

@@ -1,5 +1,8 @@
 #include "PackageFolders.h"
 
+#include "foundation/components/PackageError.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -21,15 +24,27 @@ void Flush(const fs::path& place) {
                                    std::error_code(error, std::generic_category()));
 }
 
+/// A copy has only what lies in the package: another link would lead elsewhere, or nowhere, from there.
+void CopyLink(const fs::path& link, const fs::path& place, const fs::path& root) {
+    const fs::path target = fs::read_symlink(link);
+    const fs::path end = fs::weakly_canonical(link.parent_path() / target);
+    if (target.is_absolute() || std::mismatch(root.begin(), root.end(), end.begin(), end.end()).first != root.end())
+        throw PackageError({link.native(), 0,
+                            "is a link that leads out of a copy, to '" + target.native() +
+                                "': make it relative, to what lies in the package"});
+    fs::copy_symlink(link, place);
+}
+
 /// Folders get the usual permissions: one that may not be written could be neither filled nor removed later.
-void CopyTree(const fs::path& source, const fs::path& target) {
+/// By hand, since the failure of a recursive iterator does not name the folder.
+void CopyTree(const fs::path& source, const fs::path& target, const fs::path& root) {
     fs::create_directory(target);
-    for (const auto& item : fs::recursive_directory_iterator(source)) {
-        const fs::path place = target / item.path().lexically_relative(source);
+    for (const auto& item : fs::directory_iterator(source)) {
+        const fs::path place = target / item.path().filename();
         if (item.is_symlink())
-            fs::copy_symlink(item.path(), place);
+            CopyLink(item.path(), place, root);
         else if (item.is_directory())
-            fs::create_directory(place);
+            CopyTree(item.path(), place, root);
         else
             fs::copy_file(item.path(), place); // refuses what is no file
     }
@@ -38,7 +53,7 @@ void CopyTree(const fs::path& source, const fs::path& target) {
 } // namespace
 
 void CopyPackageFolder(const fs::path& source, const fs::path& target) {
-    CopyTree(source, target);
+    CopyTree(source, target, fs::canonical(source));
     for (const auto& item : fs::recursive_directory_iterator(target)) {
         if (!item.is_symlink())
             Flush(item.path());

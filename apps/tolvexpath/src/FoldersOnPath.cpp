@@ -37,7 +37,8 @@ void TellWrongPackageFolder(const TolvexPackages::IPackageRegistry& registry,
     if (package != nullptr && package->GetRootFolder() != folder)
         problems.Add({"TOLVEX:tpath",
                       "packageMemberFoldersNotAllowedOnPath",
-                      {GetStringFromIRI(folder), u"'" + TolvexPackages::GetPackageText(*owner) + u"'",
+                      {GetStringFromIRI(folder),
+                       Tolvex::ustring(u"'").append(TolvexPackages::GetPackageText(*owner)).append(u"'"),
                        GetStringFromIRI(package->GetRootFolder())}});
     else if (package == nullptr && registry.IsFolderOfUninstalledPackage(folder))
         problems.Add({"TOLVEX:tpath", "uninstalledPackagesNotAllowedOnPath", {GetStringFromIRI(folder)}});

@@ -133,6 +133,10 @@ LayeredIndex::LayeredIndex(const LayeredIndex& previous, std::span<const EntryRe
         AddLayer(std::move(indexedAgain));
 }
 
+std::shared_ptr<const IPathEntry> LayeredIndex::GetKeptHandle(std::uint32_t mainPlace, const Slot& slot) const {
+    return (*keptEntries.find(mainPlace)->second)[slot.ordinal];
+}
+
 /// How many of the lower layers an index derived from this one takes over, when so much is added on top.
 std::size_t LayeredIndex::CountKeptLayers(std::size_t addedWeight) const {
     if (layers.empty())

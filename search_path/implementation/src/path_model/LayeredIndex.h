@@ -132,7 +132,7 @@ public:
     }
     [[nodiscard]] std::shared_ptr<const IPathEntry> GetHandle(std::uint32_t mainPlace, const Slot& slot) const {
         if (!slot.isOwnedByMain)
-            return (*keptEntries.find(mainPlace)->second)[slot.ordinal];
+            return GetKeptHandle(mainPlace, slot);
         return leases.Take(mainPlace, mainEntries[mainPlace], *slot.entry);
     }
 
@@ -158,6 +158,8 @@ private:
         return {std::uint64_t{mainPlace} << 32 | slot.ordinal, layer, &slot};
     }
 
+    /// Kept apart so that the road of most answers stays short.
+    [[nodiscard]] std::shared_ptr<const IPathEntry> GetKeptHandle(std::uint32_t mainPlace, const Slot& slot) const;
     [[nodiscard]] std::size_t CountKeptLayers(std::size_t addedWeight) const;
     void TakeLayers(const LayeredIndex& previous, std::size_t count);
     std::vector<EntryGroup> AddLayer(std::vector<std::uint32_t> mainPlaces);

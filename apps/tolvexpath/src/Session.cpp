@@ -35,9 +35,7 @@ auto ShowProgress() {
 bool BelongsInFront(const TolvexPackages::IPackageRegistry& registry, const CanonicalAbsoluteIRI& folder) {
     const auto owner = registry.FindPackageOfFolder(folder);
     const auto package = owner ? registry.FindPackage(*owner) : nullptr;
-    const auto* const position = package ? package->FindProperty(TolvexPackages::pathPositionProperty) : nullptr;
-    const auto* const text = position != nullptr ? std::get_if<Tolvex::ustring>(position) : nullptr;
-    return text != nullptr && *text == u"begin";
+    return package != nullptr && package->BelongsInFront();
 }
 
 /// Whether a change of packages did not reach the path; the refusal is then all that is reported.

@@ -1,8 +1,8 @@
 #include "foundation/components/PackageManifest.h"
 
+#include "FolderNesting.h"
 #include "ManifestJson.h"
 
-#include <algorithm>
 #include <set>
 #include <system_error>
 
@@ -11,10 +11,6 @@ namespace TolvexPackages {
 namespace fs = std::filesystem;
 
 namespace {
-
-bool IsSameOrBelow(const fs::path& folder, const fs::path& above) {
-    return std::mismatch(above.begin(), above.end(), folder.begin(), folder.end()).first == above.end();
-}
 
 /// Why a member folder cannot be one; empty when it can.
 std::string FindFault(const fs::path& root, const std::string& folder, std::set<fs::path>& seen) {

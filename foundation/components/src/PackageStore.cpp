@@ -1,5 +1,6 @@
 #include "foundation/components/PackageStore.h"
 
+#include "FolderNesting.h"
 #include "PackageRegistryFile.h"
 #include "posix/PackageFolders.h"
 #include "posix/StoreLock.h"
@@ -67,10 +68,6 @@ std::vector<InstalledPackage> Look(const fs::path& store, const RecordedPackages
 
 bool HasProblem(const std::vector<InstalledPackage>& packages) {
     return std::any_of(packages.begin(), packages.end(), [](const auto& package) { return package.problem; });
-}
-
-bool IsSameOrBelow(const fs::path& folder, const fs::path& above) {
-    return std::mismatch(above.begin(), above.end(), folder.begin(), folder.end()).first == above.end();
 }
 
 /// The registry file is JSON, which holds no other bytes.

@@ -1,8 +1,8 @@
 #include "PackageFolders.h"
 
+#include "../FolderNesting.h"
 #include "foundation/components/PackageError.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -28,7 +28,7 @@ void Flush(const fs::path& place) {
 void CopyLink(const fs::path& link, const fs::path& place, const fs::path& root) {
     const fs::path target = fs::read_symlink(link);
     const fs::path end = fs::weakly_canonical(link.parent_path() / target);
-    if (target.is_absolute() || std::mismatch(root.begin(), root.end(), end.begin(), end.end()).first != root.end())
+    if (target.is_absolute() || !IsSameOrBelow(end, root))
         throw PackageError({link.native(), 0,
                             "is a link that leads out of a copy, to '" + target.native() +
                                 "': make it relative, to what lies in the package"});

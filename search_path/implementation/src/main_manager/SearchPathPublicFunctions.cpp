@@ -61,16 +61,9 @@ private:
             plainFolderFollowsPackage = plainFolderFollowsPackage || packageSeen;
             return;
         }
-        packageSeen = packageSeen || !BelongsInFront(*package);
+        packageSeen = packageSeen || !package->BelongsInFront(); // which is put in front of plain folders on purpose
         if (knownComponents.insert(package->identifier).second)
             accepted.components.push_back(package->identifier);
-    }
-
-    /// Such a package may stand anywhere, since it is put in front of plain folders on purpose.
-    static bool BelongsInFront(const PackageRecord& package) {
-        const auto* const position = package.FindProperty(TolvexPackages::pathPositionProperty);
-        const auto* const text = position == nullptr ? nullptr : std::get_if<ustring>(position);
-        return text != nullptr && *text == u"begin";
     }
 
     const IPackageRegistry& registry;

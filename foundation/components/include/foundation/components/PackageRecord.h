@@ -51,6 +51,13 @@ struct PackageRecord {
         const auto found = properties.find(name);
         return found == properties.end() ? nullptr : &found->second;
     }
+
+    /// Whether the package asks to stand in front of all folders. A position that is no text asks for nothing.
+    [[nodiscard]] bool BelongsInFront() const {
+        const PropertyValue* const position = FindProperty(pathPositionProperty);
+        const auto* const text = position == nullptr ? nullptr : std::get_if<Tolvex::ustring>(position);
+        return text != nullptr && *text == u"begin";
+    }
 };
 
 } // namespace TolvexPackages
